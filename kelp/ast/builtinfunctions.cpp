@@ -1,0 +1,66 @@
+#include "kelp/ast/builtinfunctions.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <string_view>
+
+namespace Kelp {
+
+namespace {
+
+// Sorted by name for the binary search.
+constexpr BuiltinFunction kFunctions[] = {
+    {"abs", 1, 1},        {"acos", 7, 1},        {"asin", 6, 1},    {"atan", 8, 1},
+    {"atan2", 9, 2},      {"ceil", 16, 1},       {"clamp", 20, 3},  {"cos", 4, 1},
+    {"cross", 29, 2},     {"degrees", 31, 1},    {"dot", 28, 2},    {"exp", 13, 1},
+    {"floor", 15, 1},     {"frame", 25, 0},      {"length", 27, 1}, {"lerp", 21, 3},
+    {"log", 14, 1},       {"max", 19, 2},        {"min", 18, 2},    {"mod", 23, 2},
+    {"normalize", 30, 1}, {"pi", 26, 0},         {"pow", 11, 2},    {"radians", 32, 1},
+    {"random", 2, 2},     {"randomInt", 12, 2},  {"round", 17, 1},  {"select", 24, 4},
+    {"sin", 3, 1},        {"smoothstep", 22, 3}, {"sqrt", 10, 1},   {"tan", 5, 1},
+};
+
+constexpr bool byName(const BuiltinFunction& a, const BuiltinFunction& b) {
+  return std::string_view(a.name) < std::string_view(b.name);
+}
+
+constexpr bool argumentsFit(const BuiltinFunction& function) {
+  return function.numArgs >= 0 && function.numArgs <= BuiltinFunctionAST::kMaxArgs;
+}
+
+static_assert(std::is_sorted(std::begin(kFunctions), std::end(kFunctions), byName));
+static_assert(std::all_of(std::begin(kFunctions), std::end(kFunctions), argumentsFit),
+              "a call has no room for more arguments, and the parser does not ask");
+
+}  // namespace
+
+constinit RandomGenerator BuiltinFunctionAST::rndGen;
+
+float RandomGenerator::drawSeed() {
+  // Unsigned arithmetic wraps; the shift is arithmetic on the signed value.
+  state = static_cast<int64_t>(static_cast<uint64_t>(state) * 0x5DEECE66DU + 0xBU);
+  lastSine = std::sin(static_cast<double>(state >> 16));
+  uint64_t sineBits;
+  std::memcpy(&sineBits, &lastSine, sizeof sineBits);
+  state = static_cast<int64_t>((static_cast<uint64_t>(state) + (sineBits >> 32)) & 0xFFFFFFFFFFFFU);
+  return static_cast<float>(static_cast<double>(state >> 18) * 9.313225746154785e-10);  // 2^-30
+}
+
+int BuiltinFunctionAST::getBuiltinFunctionID(const char* name, int* numArgs) {
+  const BuiltinFunction wanted{name, 0, 0};
+  const auto* end = std::end(kFunctions);
+  const auto* found = std::lower_bound(std::begin(kFunctions), end, wanted, byName);
+  if (found == end || std::strcmp(found->name, name) != 0) return 0;
+  *numArgs = found->numArgs;
+  return found->id;
+}
+
+const BuiltinFunction* BuiltinFunctionAST::findFunction(int id) {
+  for (const BuiltinFunction& function : kFunctions) {
+    if (function.id == id) return &function;
+  }
+  return nullptr;
+}
+
+}  // namespace Kelp

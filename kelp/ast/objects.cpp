@@ -1,0 +1,59 @@
+#include "kelp/ast/objects.h"
+
+#include <cstring>
+
+#include "kelp/ast/auto_ast.h"
+
+namespace Kelp {
+
+void PropertyAST::deleteThis() {
+  if (value != nullptr) value->deleteThis();
+  value = nullptr;
+  while (records != nullptr) {
+    PropertyRecord* following = records->next;
+    delete records;
+    records = following;
+  }
+  pool.freeElement(this);
+}
+
+void ObjectAST::deleteThis() {
+  for (PropertyAST* property = firstProperty; property != nullptr;) {
+    PropertyAST* following = property->next;
+    property->deleteThis();
+    property = following;
+  }
+  firstProperty = nullptr;
+  lastProperty = nullptr;
+  pool.freeElement(this);
+}
+
+void ObjectAST::addProperty(PropertyAST* property, double t1, double t2) {
+  auto_ast<PropertyAST> guard(property);
+  if (t1 != 0.0 || t2 != 0.0) {
+    property->records = new PropertyRecord{t1, t2, property->records};
+  }
+  property->next = nullptr;
+  (lastProperty != nullptr ? lastProperty->next : firstProperty) = property;
+  lastProperty = property;
+  guard.release();
+}
+
+void ObjectAST::merge(ObjectAST* newcomer, double, double) noexcept {
+  if (newcomer->firstProperty == nullptr) return;
+  (lastProperty != nullptr ? lastProperty->next : firstProperty) = newcomer->firstProperty;
+  lastProperty = newcomer->lastProperty;
+  newcomer->firstProperty = nullptr;
+  newcomer->lastProperty = nullptr;
+}
+
+PropertyAST* ObjectAST::findProperty(const char* propertyName) const {
+  PropertyAST* found = nullptr;
+  for (PropertyAST* property = firstProperty; property != nullptr; property = property->next) {
+    const char* characters = property->name.chars();
+    if (characters != nullptr && std::strcmp(characters, propertyName) == 0) found = property;
+  }
+  return found;
+}
+
+}  // namespace Kelp

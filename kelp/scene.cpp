@@ -1,0 +1,177 @@
+#include "kelp/scene.h"
+
+#include <ostream>
+
+#include "kelp/parser/treeparser.h"
+
+namespace Kelp {
+
+namespace {
+
+constexpr size_t kExcerptCharacters = 100;
+
+std::string textOf(const CharString& text) { return text.isNull() ? "" : text.chars(); }
+
+bool startsCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }
+
+bool isControl(char c) { return (static_cast<unsigned char>(c) < 0x20) || c == 0x7F; }
+
+std::string withoutControls(std::string text) {
+  for (char& c : text) {
+    if (isControl(c)) c = c == '\t' ? ' ' : '?';
+  }
+  return text;
+}
+
+// The byte that the n-th character of a text starts at, n from 0.
+size_t byteOfCharacter(const std::string& text, size_t n) {
+  size_t byte = 0;
+  while (byte < text.size() && n > 0) {
+    ++byte;
+    if (byte >= text.size() || startsCharacter(text[byte])) --n;
+  }
+  return byte;
+}
+
+}  // namespace
+
+// ---- SceneError --------------------------------------------------------------------------------
+
+std::string SceneError::position() const {
+  const std::string& name = tokenLine > 0 ? tokenFile : file;
+  const std::string shown = name.empty() ? "<text>" : name;
+  if (tokenLine == 0) return shown;
+  return shown + ':' + std::to_string(tokenLine) + ':' + std::to_string(column);
+}
+
+std::string SceneError::excerpt() const {
+  if (tokenLine == 0) return "";
+  const auto caret = static_cast<size_t>(column - 1);
+  const size_t first = caret < kExcerptCharacters ? 0 : caret - kExcerptCharacters / 2;
+  const size_t begin = byteOfCharacter(sourceLine, first);
+  const std::string rest = sourceLine.substr(begin);
+  const size_t length = byteOfCharacter(rest, kExcerptCharacters);
+  const std::string before = begin > 0 ? "..." : "";
+  const std::string behind = length < rest.size() ? "..." : "";
+  return before + withoutControls(rest.substr(0, length)) + behind + '\n' +
+         std::string(before.size() + caret - first, ' ') + '^';
+}
+
+std::string SceneError::describe() const {
+  return message.empty() ? "syntax error" : withoutControls(message);
+}
+
+std::ostream& operator<<(std::ostream& out, const SceneError& error) {
+  out << error.position() << ": " << error.describe();
+  const std::string excerpt = error.excerpt();
+  if (!excerpt.empty()) out << '\n' << excerpt;
+  return out;
+}
+
+// ---- Scene -------------------------------------------------------------------------------------
+
+// Members are destroyed from the last to the first: the program before the texts that it borrows.
+struct Scene::Parts {
+  SourcesReader reader;
+  Scanner scanner{&reader};
+  TreeParser parser{&scanner};
+  auto_ast<ProgramAST> program{nullptr};
+  SceneError error;
+
+  void apply(const SceneOptions& options) {
+    for (const std::string& path : options.includePaths) reader.addIncludePath(path.c_str());
+    reader.readerParam1 = options.firstFrame;
+    reader.readerParam2 = options.lastFrame;
+    reader.mapFiles = options.mapFiles;
+    parser.nameAffix = options.nameAffix.c_str();
+    parser.affixIsSuffix = options.affixIsSuffix;
+    parser.collectReferenceNames = options.collectReferences ? 1 : 0;
+    parser.maxNestingDepth = options.maxNestingDepth;
+  }
+
+  void parse() {
+    try {
+      program.reset(parser.parseProgram());
+    } catch (const InvalidSourceFile& failure) {
+      // The first token is read before the parser records anything.
+      parser.setError(failure.message);
+    }
+    if (program.get() == nullptr) noteInvalidText();
+  }
+
+  void noteUnreadable(const InvalidSourceFile& failure, const std::string& name) {
+    error.kind = SceneError::Kind::kUnreadable;
+    error.message = textOf(failure.message);
+    error.file = name;
+  }
+
+  void noteInvalidText() {
+    error.kind = SceneError::Kind::kInvalid;
+    error.message = textOf(parser.errorInfo.getErrorText());
+    error.file = textOf(parser.errorInfo.getErrorFile());
+    error.line = parser.errorInfo.getErrorLine();
+    // The scanner is one token ahead of the parser, unless it failed or the input has ended.
+    const bool ahead = !scanner.failed() && parser.lookahead >= 0;
+    const SourceLocation location = scanner.locate(ahead ? 1 : 0);
+    error.tokenFile = textOf(location.file);
+    error.tokenLine = location.line;
+    error.column = location.column;
+    error.sourceLine = location.sourceLine;
+  }
+};
+
+template <class Open>
+Scene Scene::_read(const SceneOptions& options, const std::string& name, Open open) {
+  auto sceneParts = std::make_unique<Parts>();
+  sceneParts->apply(options);
+  try {
+    open(sceneParts->reader);
+  } catch (const InvalidSourceFile& failure) {
+    sceneParts->noteUnreadable(failure, name);
+    return Scene(std::move(sceneParts));
+  }
+  sceneParts->parse();
+  return Scene(std::move(sceneParts));
+}
+
+Scene Scene::fromFile(const std::string& path, const SceneOptions& options) {
+  return _read(options, path, [&](SourcesReader& reader) { reader.openFile(path.c_str()); });
+}
+
+Scene Scene::fromText(std::string_view text, const std::string& name, const SceneOptions& options) {
+  return _read(options, name, [&](SourcesReader& reader) {
+    reader.openText(text.data(), static_cast<int64_t>(text.size()), name.c_str());
+  });
+}
+
+Scene Scene::fromText(std::string_view text, const SceneOptions& options) {
+  return fromText(text, "<text>", options);
+}
+
+Scene::Scene(std::unique_ptr<Parts> sceneParts) : parts(std::move(sceneParts)) {}
+Scene::Scene(Scene&& other) noexcept = default;
+Scene& Scene::operator=(Scene&& other) noexcept = default;
+Scene::~Scene() = default;
+
+Scene::operator bool() const { return program() != nullptr; }
+
+const SceneError& Scene::error() const { return parts->error; }
+
+Scene::Objects Scene::objects() const {
+  if (program() == nullptr) return Objects({});
+  return Objects(objectsInTextOrder(*program()));
+}
+
+const ObjectAST* Scene::find(const std::string& name) const {
+  return program() != nullptr ? program()->getObject(name.c_str()) : nullptr;
+}
+
+void Scene::filter(ScenePluginFilter& filter) {
+  if (program() != nullptr) parser().doFilter(program(), &filter);
+}
+
+ProgramAST* Scene::program() const { return parts->program.get(); }
+TreeParser& Scene::parser() const { return parts->parser; }
+SourcesReader& Scene::reader() const { return parts->reader; }
+
+}  // namespace Kelp

@@ -1,0 +1,129 @@
+#include "kelp/source/filebytes.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+#include <new>
+#include <utility>
+
+#include "kelp/utils/exceptions.h"
+
+namespace Kelp {
+
+namespace {
+
+[[noreturn]] void throwUnreadable(const std::string& path, int error) {
+  const std::string message = "Cannot read \"" + path + "\": " + std::strerror(error);
+  throw InvalidSourceFile(CharString(message.c_str()));
+}
+
+// Closes a file descriptor at the end of a scope.
+class Descriptor {
+ public:
+  explicit Descriptor(const std::string& path)
+      : number(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+    if (number < 0) throwUnreadable(path, errno);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  ~Descriptor() { ::close(number); }
+  const int number;
+};
+
+}  // namespace
+
+FileBytes& FileBytes::operator=(FileBytes&& other) noexcept {
+  if (this == &other) return *this;
+  _free();
+  data = std::exchange(other.data, nullptr);
+  size = std::exchange(other.size, 0);
+  device = other.device;
+  inode = other.inode;
+  capacity = std::exchange(other.capacity, 0);
+  mappedBytes = std::exchange(other.mappedBytes, 0);
+  return *this;
+}
+
+FileBytes FileBytes::read(const std::string& path, bool map) {
+  const Descriptor file(path);
+  struct stat status;
+  if (::fstat(file.number, &status) != 0) throwUnreadable(path, errno);
+  if (S_ISDIR(status.st_mode)) throwUnreadable(path, EISDIR);
+  const bool regular = S_ISREG(status.st_mode);
+  const size_t fileSize = regular ? static_cast<size_t>(status.st_size) : 0;
+  FileBytes bytes;
+  if (map && fileSize > 0) {
+    bytes._map(file.number, fileSize, path);
+  } else {
+    // One more than the file has, so that its end is met without growing.
+    bytes = _allocate(fileSize + 1);
+    bytes._readAll(file.number, path);
+  }
+  if (regular) {
+    bytes.device = status.st_dev;
+    bytes.inode = status.st_ino;
+  }
+  return bytes;
+}
+
+FileBytes FileBytes::copy(const char* text, size_t size) {
+  FileBytes bytes = _allocate(size);
+  if (size > 0) std::memcpy(bytes.data, text, size);
+  std::memset(bytes.data + size, 0, kPadding);
+  bytes.size = size;
+  return bytes;
+}
+
+FileBytes FileBytes::_allocate(size_t capacity) {
+  if (capacity > SIZE_MAX / 4) throw std::bad_alloc();
+  FileBytes bytes;
+  bytes.data = new char[capacity + kPadding];
+  bytes.capacity = capacity;
+  return bytes;
+}
+
+void FileBytes::_readAll(int descriptor, const std::string& path) {
+  for (;;) {
+    if (size == capacity) {
+      FileBytes larger = _allocate(capacity * 2 + 65536);
+      std::memcpy(larger.data, data, size);
+      larger.size = size;
+      *this = std::move(larger);
+    }
+    const ssize_t got = ::read(descriptor, data + size, capacity - size);
+    if (got == 0) break;
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) throwUnreadable(path, errno);
+    size += static_cast<size_t>(got);
+  }
+  std::memset(data + size, 0, kPadding);
+}
+
+void FileBytes::_map(int descriptor, size_t fileSize, const std::string& path) {
+  // The file goes over the start of an anonymous mapping that is longer by a page, so that zero
+  // bytes follow it even when its size is a multiple of the page size.
+  const auto page = static_cast<size_t>(::sysconf(_SC_PAGESIZE));
+  const size_t whole = (fileSize + page - 1) / page * page + page;
+  void* area = ::mmap(nullptr, whole, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (area == MAP_FAILED) throw std::bad_alloc();
+  data = static_cast<char*>(area);
+  mappedBytes = whole;
+  void* mapped = ::mmap(area, fileSize, PROT_READ, MAP_PRIVATE | MAP_FIXED, descriptor, 0);
+  if (mapped == MAP_FAILED) throwUnreadable(path, errno);
+  size = fileSize;
+}
+
+void FileBytes::_free() noexcept {
+  if (mappedBytes > 0) {
+    ::munmap(data, mappedBytes);
+  } else {
+    delete[] data;
+  }
+}
+
+}  // namespace Kelp

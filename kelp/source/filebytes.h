@@ -1,0 +1,42 @@
+// FileBytes: the contents of a file in memory, padded with zero bytes.
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstddef>
+#include <string>
+
+namespace Kelp {
+
+/// Owns `size` bytes at `data`; at least kPadding zero bytes follow them.
+struct FileBytes {
+  static constexpr size_t kPadding = 64;
+
+  FileBytes() = default;
+  FileBytes(FileBytes&& other) noexcept { *this = static_cast<FileBytes&&>(other); }
+  FileBytes& operator=(FileBytes&& other) noexcept;
+  ~FileBytes() { _free(); }
+
+  /// The whole file, read or mapped. Pipes and devices are always read, to their end.
+  /// Throws InvalidSourceFile with the reason, or std::bad_alloc.
+  static FileBytes read(const std::string& path, bool map);
+
+  /// A copy of a text in memory. Throws std::bad_alloc.
+  static FileBytes copy(const char* text, size_t size);
+
+  char* data = nullptr;
+  size_t size = 0;
+  dev_t device = 0;  ///< with inode the identity of the file; both 0 for a copy
+  ino_t inode = 0;
+
+ private:
+  static FileBytes _allocate(size_t capacity);
+  void _readAll(int descriptor, const std::string& path);
+  void _map(int descriptor, size_t fileSize, const std::string& path);
+  void _free() noexcept;
+
+  size_t capacity = 0;     // bytes before the padding, when read
+  size_t mappedBytes = 0;  // length of the mapping; 0 when `data` is from new[]
+};
+
+}  // namespace Kelp

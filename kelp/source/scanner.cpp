@@ -1,0 +1,323 @@
+#include "kelp/source/scanner.h"
+
+#include <emmintrin.h>
+
+#include <array>
+#include <bit>
+#include <cstring>
+#include <string_view>
+
+#include "kelp/source/characterclass.h"
+#include "kelp/utils/exceptions.h"
+
+namespace Kelp {
+
+namespace {
+
+// The first quote, backslash, line end or NUL from `at` on. The padding behind a source ends the
+// search and allows reading in blocks.
+const char* findStringStop(const char* at) {
+  const __m128i quote = _mm_set1_epi8('"');
+  const __m128i backslash = _mm_set1_epi8('\\');
+  const __m128i newline = _mm_set1_epi8('\n');
+  const __m128i nul = _mm_setzero_si128();
+  for (;; at += sizeof(__m128i)) {
+    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+    const __m128i stops =
+        _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(block, quote), _mm_cmpeq_epi8(block, backslash)),
+                     _mm_or_si128(_mm_cmpeq_epi8(block, newline), _mm_cmpeq_epi8(block, nul)));
+    const auto mask = static_cast<uint32_t>(_mm_movemask_epi8(stops));
+    if (mask != 0) return at + std::countr_zero(mask);
+  }
+}
+
+bool isBlank(char c) { return classOf(c) == CharacterClass::kBlank; }
+
+const char* skipDigits(const char* at) {
+  while (isDigit(*at)) ++at;
+  return at;
+}
+
+// Behind an exponent that starts at `at`, or `at` itself when there is none.
+const char* skipExponent(const char* at) {
+  if (*at != 'e' && *at != 'E') return at;
+  const char* digits = at + 1;
+  if (*digits == '+') ++digits;
+  if (*digits == '-') ++digits;
+  return isDigit(*digits) ? skipDigits(digits) : at;
+}
+
+// Behind the letters of 1.#INF and its like, or `at` itself when there are none.
+const char* skipSpecialValue(const char* at) {
+  if (*at != '#' || !isLetter(at[1])) return at;
+  ++at;
+  while (isLetter(*at)) ++at;
+  return at;
+}
+
+// The token type of every character that is a token by itself.
+constexpr auto kPunctuation = [] {
+  std::array<TOKENTYPE, 256> types{};
+  types.fill(TOKEN_UNKNOWN);
+  const auto set = [&types](std::string_view spelling, TOKENTYPE type) {
+    if (spelling.size() == 1) types[static_cast<uint8_t>(spelling[0])] = type;
+  };
+#define KELP_TOKEN(code, enumerator, spelling) set(spelling, enumerator);
+#include "kelp/source/tokens.def"
+#undef KELP_TOKEN
+  return types;
+}();
+
+std::string onLine(int line) { return " on line " + std::to_string(line); }
+
+constexpr int kNodeTextLimit = 1023;  // longer strings are held by their record
+
+}  // namespace
+
+void Scanner::scan(Token& token) { _scanToken(token, true); }
+
+void Scanner::skipScan(Token& token) { _scanToken(token, false); }
+
+void Scanner::_scanToken(Token& token, bool copyStrings) {
+  token.reset();
+  failure = false;
+  _skipToToken();
+  starts[1] = starts[0];
+  starts[0] = reader->position;
+  switch (classOf(*reader->position.at)) {
+    case CharacterClass::kEnd:
+      return;  // the end of the scene: the slot says so already
+    case CharacterClass::kIdentifier:
+      return _scanIdentifier(token);
+    case CharacterClass::kDigit:
+      return _scanNumber(token);
+    case CharacterClass::kDot:
+      return isDigit(reader->position.at[1]) ? _scanNumber(token) : _scanPunctuation(token);
+    case CharacterClass::kQuote:
+      return _scanString(token, copyStrings);
+    default:
+      return _scanPunctuation(token);
+  }
+}
+
+// ---- between tokens ----------------------------------------------------------------------------
+
+void Scanner::_skipToToken() {
+  SourcePosition& position = reader->position;
+  for (;;) {
+    const char* at = position.at;
+    switch (classOf(*at)) {
+      case CharacterClass::kBlank:
+        do ++at;
+        while (isBlank(*at));
+        position.at = at;
+        break;
+      case CharacterClass::kNewline:
+        position.at = position.lineStart = at + 1;
+        ++position.line;
+        break;
+      case CharacterClass::kSlash:
+        if (at[1] == '/') {
+          _skipLineComment();
+        } else if (at[1] == '*') {
+          _skipBlockComment();
+        } else {
+          return;
+        }
+        break;
+      case CharacterClass::kHash:
+        if (!_skipInclude()) return;
+        break;
+      case CharacterClass::kEnd:
+        if (at != position.source->end) _fail(position, "NUL byte" + onLine(position.line));
+        if (!reader->leaveInclude()) return;
+        break;
+      default:
+        return;
+    }
+  }
+}
+
+void Scanner::_skipLineComment() {
+  SourcePosition& position = reader->position;
+  const char* end = position.source->end;
+  const auto left = static_cast<size_t>(end - position.at);
+  const void* newline = std::memchr(position.at, '\n', left);
+  const char* stop = newline != nullptr ? static_cast<const char*>(newline) : end;
+  if (std::memchr(position.at, '\0', static_cast<size_t>(stop - position.at)) != nullptr) {
+    _fail(position, "NUL byte" + onLine(position.line));
+  }
+  position.at = stop;
+}
+
+void Scanner::_skipBlockComment() {
+  const SourcePosition start = reader->position;
+  SourcePosition& position = reader->position;
+  for (const char* at = start.at + 2;; ++at) {
+    if (*at == '\n') {
+      position.lineStart = at + 1;
+      ++position.line;
+    } else if (*at == '*' && at[1] == '/') {
+      position.at = at + 2;
+      return;
+    } else if (*at == '\0') {
+      if (at != start.source->end) _fail(start, "NUL byte" + onLine(position.line));
+      _fail(start, "The comment that begins" + onLine(start.line) + " never ends");
+    }
+  }
+}
+
+// Follows an #include line. False when the mark at the position does not start one.
+bool Scanner::_skipInclude() {
+  static constexpr char kWord[] = "#include";
+  constexpr size_t kWordLength = sizeof kWord - 1;
+  SourcePosition& position = reader->position;
+  for (const char* before = position.lineStart; before < position.at; ++before) {
+    if (!isBlank(*before)) return false;
+  }
+  if (std::strncmp(position.at, kWord, kWordLength) != 0) return false;
+  const char* quote = position.at + kWordLength;
+  if (isInIdentifier(*quote)) return false;
+  while (isBlank(*quote)) ++quote;
+  const char* path = quote + 1;
+  const char* pathEnd = *quote == '"' ? path : nullptr;
+  while (pathEnd != nullptr && *pathEnd != '"') {
+    pathEnd = *pathEnd == '\n' || *pathEnd == '\0' ? nullptr : pathEnd + 1;
+  }
+  if (pathEnd == nullptr) {
+    _fail(position, "#include needs the name of a file in double quotes" + onLine(position.line));
+  }
+  const char* rest = pathEnd + 1;
+  for (;;) {
+    while (isBlank(*rest)) ++rest;
+    const char* commentEnd =
+        rest[0] == '/' && rest[1] == '*' ? std::strstr(rest + 2, "*/") : nullptr;
+    if (commentEnd == nullptr ||
+        std::memchr(rest, '\n', static_cast<size_t>(commentEnd - rest)) != nullptr) {
+      break;
+    }
+    rest = commentEnd + 2;
+  }
+  const bool comment = rest[0] == '/' && (rest[1] == '/' || rest[1] == '*');
+  if (*rest != '\n' && *rest != '\0' && !comment) {
+    _fail(position, "Text after the file name of #include" + onLine(position.line));
+  }
+  const SourcePosition start = position;
+  position.at = pathEnd + 1;
+  try {
+    reader->enterInclude(std::string(path, pathEnd));
+  } catch (const InvalidSourceFile&) {
+    _noteFailure(start);
+    throw;
+  }
+  return true;
+}
+
+// ---- tokens ------------------------------------------------------------------------------------
+
+void Scanner::_take(Token& token, TOKENTYPE type, const char* end) {
+  const char* begin = reader->position.at;
+  token.text.append(begin, end - begin);
+  token.type = type;
+  reader->position.at = end;
+}
+
+void Scanner::_scanIdentifier(Token& token) {
+  const char* begin = reader->position.at;
+  const char* end = begin + 1;
+  while (isInIdentifier(*end)) ++end;
+  const bool isNan = end - begin == 3 && std::memcmp(begin, "nan", 3) == 0;
+  _take(token, isNan ? TOKEN_NUMBER : TOKEN_IDENTIFIER, end);
+}
+
+void Scanner::_scanNumber(Token& token) {
+  const char* end = skipDigits(reader->position.at);
+  const bool point = *end == '.';
+  if (point) end = skipDigits(end + 1);
+  const char* behindExponent = skipExponent(end);
+  if (point && behindExponent == end) behindExponent = skipSpecialValue(end);
+  _take(token, TOKEN_NUMBER, behindExponent);
+}
+
+void Scanner::_scanPunctuation(Token& token) {
+  const char* begin = reader->position.at;
+  _take(token, kPunctuation[static_cast<uint8_t>(*begin)], begin + 1);
+}
+
+void Scanner::_scanString(Token& token, bool copyText) {
+  const SourcePosition start = reader->position;
+  SourcePosition& position = reader->position;
+  const char* begin = start.at + 1;
+  bool escaped = false;
+  const char* stop = findStringStop(begin);
+  for (; *stop != '"'; stop = findStringStop(stop)) {
+    if (*stop == '\\') {
+      const bool escape = stop[1] == '"' || stop[1] == '\\';
+      escaped = escaped || escape;
+      stop += escape ? 2 : 1;
+    } else if (*stop == '\n') {
+      position.lineStart = ++stop;
+      ++position.line;
+    } else {
+      if (stop != start.source->end) _fail(start, "NUL byte" + onLine(position.line));
+      _fail(start, "The string that begins" + onLine(start.line) + " never ends");
+    }
+  }
+  auto length = static_cast<size_t>(stop - begin);
+  if (escaped) begin = _decodeString(begin, stop, &length);
+  if (copyText) token.text.append(begin, static_cast<int64_t>(length));
+  token.type = TOKEN_STRING;
+  token.overflow[0] = reinterpret_cast<uintptr_t>(begin);
+  token.overflow[1] = length;
+  token.overflow[2] = reinterpret_cast<uintptr_t>(start.source);
+  if (length > kNodeTextLimit) {
+    token.overflowCount = static_cast<int32_t>(static_cast<uint32_t>(length) - kNodeTextLimit);
+  }
+  position.at = stop + 1;
+}
+
+const char* Scanner::_decodeString(const char* begin, const char* end, size_t* length) {
+  char* decoded = reader->keepText(*length);
+  char* out = decoded;
+  while (begin < end) {
+    if (*begin == '\\' && (begin[1] == '"' || begin[1] == '\\')) ++begin;
+    *out++ = *begin++;
+  }
+  *length = static_cast<size_t>(out - decoded);
+  return decoded;
+}
+
+// ---- places ------------------------------------------------------------------------------------
+
+// Reading stops where the text went wrong, so the reader reports the line it began on.
+void Scanner::_noteFailure(SourcePosition place) {
+  reader->position = place;
+  starts[1] = starts[0];
+  starts[0] = place;
+  failure = true;
+}
+
+void Scanner::_fail(const SourcePosition& place, const std::string& message) {
+  _noteFailure(place);
+  throw InvalidSourceFile(CharString(message.c_str()));
+}
+
+SourceLocation Scanner::locate(int back) const {
+  SourceLocation location;
+  const SourcePosition& start = starts[back];
+  if (start.source == nullptr) return location;
+  location.file = start.source->name;
+  location.line = start.line;
+  location.column = 1;
+  for (const char* at = start.lineStart; at < start.at; ++at) {
+    // Every byte but the continuation bytes 10xxxxxx starts a character.
+    if ((static_cast<unsigned char>(*at) & 0xC0U) != 0x80U) ++location.column;
+  }
+  const char* end = start.at;
+  while (end < start.source->end && *end != '\n') ++end;
+  if (end > start.lineStart && end[-1] == '\r') --end;
+  location.sourceLine.assign(start.lineStart, end);
+  return location;
+}
+
+}  // namespace Kelp

@@ -1,0 +1,228 @@
+// Block pools: where tree nodes and map entries come from.
+//
+// _Sequence hands out elements from blocks of BlockSize; Pool adds a free list for one node class,
+// SimplePool one for map entries. Elements are constructed once, when their block is made, and are
+// never destroyed: whoever takes a returned element finds it as it was left and sets every field.
+// Nothing here locks; a pool belongs to one thread at a time.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <new>
+
+#include "kelp/utils/criticalsection.h"
+#include "kelp/utils/exceptions.h"
+
+namespace Kelp {
+
+/// Raw storage for the elements of a block.
+template <class E>
+struct DefaultAllocator {
+  static_assert(alignof(E) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__);
+
+  /// Room for `number` elements, or null when there is no memory; frees with deallocate.
+  static E* allocate(int number) noexcept {
+    return static_cast<E*>(::operator new(static_cast<size_t>(number) * sizeof(E), std::nothrow));
+  }
+  static void deallocate(E* elements) noexcept { ::operator delete(elements); }
+};
+
+/// A chain of blocks of elements that are handed out in order and never taken back one by one.
+/// Supported as instantiated in this library: elements are constructed with their block
+/// (ConstructElements) and never destroyed (DestroyElements).
+template <class E, int BlockSize = 1000, bool ConstructElements = true,
+          bool DestroyElements = false, class Allocator = DefaultAllocator<E>>
+class _Sequence {
+  static_assert(BlockSize > 0 && ConstructElements && !DestroyElements);
+
+ public:
+  struct Block {
+    Block* next;      ///< following block, null for the last
+    Block* previous;  ///< preceding block, null for the first
+    int used;         ///< elements handed out, in index order
+    int capacity;     ///< elements in this block
+    E* elements;
+  };
+
+  _Sequence() = default;
+  _Sequence(const _Sequence&) = delete;
+  _Sequence& operator=(const _Sequence&) = delete;
+  ~_Sequence() { freeBlocks(); }
+
+  /// The next element, as its block or an earlier user left it.
+  /// Throws ExceptionMsg when there is no memory for another block.
+  E* newElement() {
+    while (current != nullptr && current->used == current->capacity && current->next != nullptr) {
+      current = current->next;
+    }
+    if (current == nullptr || current->used == current->capacity) _appendBlock();
+    ++handedOut;
+    return &current->elements[current->used++];
+  }
+
+  /// Starts again at the first block, which hands out the same elements once more.
+  void restart() noexcept {
+    // Used blocks are always the first ones: many short uses after a long one stay cheap.
+    for (Block* block = first; block != nullptr && block->used > 0; block = block->next) {
+      block->used = 0;
+    }
+    current = first;
+    readBlock = first;
+    readIndex = 0;
+    handedOut = 0;
+  }
+
+  /// Calls use(elements, number) for the used part of every block, in order.
+  template <class Use>
+  void forEachRun(Use use) const {
+    for (const Block* block = first; block != nullptr && block->used > 0; block = block->next) {
+      use(block->elements, block->used);
+    }
+  }
+
+  /// Frees all blocks without destroying their elements. The sequence is then as if new.
+  [[gnu::noinline]] void freeBlocks() noexcept {
+    for (Block* block = first; block != nullptr;) {
+      Block* next = block->next;
+      Allocator::deallocate(block->elements);
+      ::operator delete(block);
+      block = next;
+    }
+    first = nullptr;
+    current = nullptr;
+    readBlock = nullptr;
+    readIndex = 0;
+    handedOut = 0;
+    bytes = 0;
+  }
+
+  /// Elements handed out since the sequence was made or restarted.
+  int liveCount() const { return handedOut; }
+  int blockCount() const {
+    int blocks = 0;
+    for (const Block* block = first; block != nullptr; block = block->next) ++blocks;
+    return blocks;
+  }
+  /// Bytes of all blocks, headers included.
+  int64_t bytesAllocated() const { return bytes; }
+
+ private:
+  [[gnu::noinline]] void _appendBlock() {
+    void* header = ::operator new(sizeof(Block), std::nothrow);
+    E* elements = header != nullptr ? Allocator::allocate(elementsPerBlock) : nullptr;
+    if (elements == nullptr) {
+      ::operator delete(header);
+      throw ExceptionMsg("[_SequenceBlock] Could not allocate memory");
+    }
+    for (int i = 0; i < elementsPerBlock; ++i) new (&elements[i]) E();
+    Block* block = new (header) Block{nullptr, current, 0, elementsPerBlock, elements};
+    (current != nullptr ? current->next : first) = block;
+    current = block;
+    bytes += int64_t{elementsPerBlock} * int64_t{sizeof(E)} + int64_t{sizeof(Block)};
+  }
+
+  Block* first = nullptr;
+  Block* current = nullptr;    // where fresh elements come from; the last block once all are full
+  Block* readBlock = nullptr;  // a reader's position, for users that walk the elements
+  int readIndex = 0;
+  int handedOut = 0;
+  int elementsPerBlock = BlockSize;
+  int64_t bytes = 0;
+  FastCriticalSection lock;  // for hosts that share a sequence; never entered here
+};
+
+/// A node as its pool hands it out: the class's own fields, then the free-list link.
+template <class T>
+struct PoolElement : T {
+  PoolElement* nextFree = nullptr;  ///< next returned element; null while this one is in use
+};
+
+/// The pool of one node class. Returned elements are handed out again, last in first out.
+/// LockMode 0: taking and returning never lock.
+template <class T, int BlockSize = 1000, int LockMode = 0,
+          class Allocator = DefaultAllocator<PoolElement<T>>>
+class Pool {
+  static_assert(LockMode == 0, "pools belong to one thread at a time");
+
+ public:
+  /// An element with its last user's field values (zero when it is fresh). Throws ExceptionMsg
+  /// when there is no memory for another block; the live count then stays one too high.
+  PoolElement<T>* newElement() {
+    ++live;
+    PoolElement<T>* element = freeList;
+    if (element != nullptr) {
+      freeList = element->nextFree;
+    } else {
+      element = sequence.newElement();
+    }
+    element->nextFree = nullptr;
+    return element;
+  }
+
+  /// Takes back an element of this pool. It is not destroyed and keeps its field values.
+  void freeElement(T* element) noexcept {
+    auto* returned = static_cast<PoolElement<T>*>(element);
+    returned->nextFree = freeList;
+    freeList = returned;
+    --live;
+  }
+
+  /// Elements taken less elements returned.
+  int liveCount() const { return live; }
+  int blockCount() const { return sequence.blockCount(); }
+  /// Bytes of all blocks, headers included.
+  int64_t bytesAllocated() const { return sequence.bytesAllocated(); }
+
+ private:
+  PoolElement<T>* freeList = nullptr;
+  int live = 0;
+  _Sequence<PoolElement<T>, BlockSize, true, false, Allocator> sequence;
+};
+
+/// An element of a SimplePool; while it is free, its first word links the free list.
+template <class E>
+struct SimplePoolElement : E {
+  SimplePoolElement* freeLink() const {
+    SimplePoolElement* following;
+    std::memcpy(&following, static_cast<const void*>(this), sizeof following);
+    return following;
+  }
+  void setFreeLink(SimplePoolElement* following) {
+    std::memcpy(static_cast<void*>(this), &following, sizeof following);
+  }
+};
+
+/// The pool of a map's entries. E starts with a pointer-sized field that may be overwritten.
+template <class E, int BlockSize = 1000, bool DestroyElements = false>
+class SimplePool {
+ public:
+  SimplePool() = default;
+  ~SimplePool() { sequence.freeBlocks(); }
+
+  /// An element with unknown field values. Throws ExceptionMsg when there is no memory.
+  E* newElement() {
+    SimplePoolElement<E>* element = freeList;
+    if (element == nullptr) return sequence.newElement();
+    freeList = element->freeLink();
+    return element;
+  }
+
+  /// Takes back an element of this pool without destroying it; its first word is overwritten.
+  void freeElement(E* element) noexcept {
+    auto* returned = static_cast<SimplePoolElement<E>*>(element);
+    returned->setFreeLink(freeList);
+    freeList = returned;
+  }
+
+  int blockCount() const { return sequence.blockCount(); }
+  int64_t bytesAllocated() const { return sequence.bytesAllocated(); }
+
+ private:
+  int reserved[2] = {0, 0};  // room for a host's statistics; nothing here counts
+  _Sequence<SimplePoolElement<E>, BlockSize, true, DestroyElements> sequence;
+  SimplePoolElement<E>* freeList = nullptr;
+  FastCriticalSection lock;  // for hosts that share a pool; never entered here
+};
+
+}  // namespace Kelp

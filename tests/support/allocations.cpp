@@ -1,0 +1,72 @@
+#include "tests/support/allocations.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+thread_local constinit int64_t requests = 0;
+thread_local constinit int64_t live = 0;
+thread_local constinit int64_t countdown = 0;  // 0: nothing is to fail
+thread_local constinit bool failForEver = false;
+thread_local constinit bool failed = false;
+
+bool mustFail() {
+  if (failed && failForEver) return true;
+  if (countdown == 0 || --countdown > 0) return false;
+  failed = true;
+  return true;
+}
+
+void* allocate(size_t size) noexcept {
+  ++requests;
+  if (mustFail()) return nullptr;
+  void* block = std::malloc(size > 0 ? size : 1);
+  if (block != nullptr) ++live;
+  return block;
+}
+
+void release(void* block) noexcept {
+  if (block != nullptr) --live;
+  std::free(block);
+}
+
+void* allocateOrThrow(size_t size) {
+  void* block = allocate(size);
+  if (block == nullptr) throw std::bad_alloc();
+  return block;
+}
+
+}  // namespace
+
+void* operator new(size_t size) { return allocateOrThrow(size); }
+void* operator new[](size_t size) { return allocateOrThrow(size); }
+void* operator new(size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+void* operator new[](size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+void operator delete(void* block) noexcept { release(block); }
+void operator delete[](void* block) noexcept { release(block); }
+void operator delete(void* block, size_t) noexcept { release(block); }
+void operator delete[](void* block, size_t) noexcept { release(block); }
+void operator delete(void* block, const std::nothrow_t&) noexcept { release(block); }
+void operator delete[](void* block, const std::nothrow_t&) noexcept { release(block); }
+
+namespace KelpTest {
+
+int64_t allocationCount() { return requests; }
+int64_t liveAllocations() { return live; }
+
+FailingAllocation::FailingAllocation(int64_t n, bool persistent) {
+  countdown = n;
+  failForEver = persistent;
+  failed = false;
+}
+
+FailingAllocation::~FailingAllocation() {
+  countdown = 0;
+  failForEver = false;
+  failed = false;
+}
+
+bool FailingAllocation::hasFailed() const { return failed; }
+
+}  // namespace KelpTest
