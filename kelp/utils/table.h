@@ -5,7 +5,6 @@
 #include <climits>
 #include <cstdint>
 #include <new>
-#include <type_traits>
 
 namespace Kelp {
 
@@ -14,8 +13,6 @@ namespace Kelp {
 /// `data` by an array of their own from new[] (the table frees whichever it finds there).
 template <class T, int N = 100>
 class Table {
-  static_assert(std::is_trivially_copyable_v<T>, "elements are moved as plain values");
-
  public:
   Table() = default;
   Table(const Table&) = delete;
