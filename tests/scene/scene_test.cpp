@@ -10,6 +10,8 @@
 
 #include "kelp/parser/scenepluginfilter.h"
 #include "kelp/parser/treeparser.h"
+#include "kelp/utils/exceptions.h"
+#include "tests/support/allocations.h"
 #include "tests/support/parsing.h"
 #include "tests/support/sexpression.h"
 #include "tests/support/temporaryfiles.h"
@@ -38,6 +40,21 @@ class RenamingFilter : public ScenePluginFilter {
     return type == CharString("No") ? 0 : 1;
   }
 };
+
+// Reads a text while the n-th heap request fails. False when there were fewer requests.
+bool failsToRead(const std::string& text, const SceneOptions& options, int64_t n) {
+  const KelpTest::FailingAllocation failure(n);
+  bool thrown = false;
+  try {
+    Scene::fromText(text, options);
+  } catch (const std::bad_alloc&) {
+    thrown = true;
+  } catch (const ExceptionMsg&) {
+    thrown = true;
+  }
+  EXPECT_EQ(thrown, failure.hasFailed()) << text << n;
+  return failure.hasFailed();
+}
 
 }  // namespace
 
@@ -244,4 +261,24 @@ TEST(SceneLifetime, NoNodeOutlivesItsScene) {
     EXPECT_EQ(KelpTest::livePoolElements(), before + 1);
   }
   EXPECT_EQ(KelpTest::livePoolElements(), before);
+}
+
+TEST(SceneLifetime, ExhaustedMemoryReachesTheCallerAndLeaksNothing) {
+  SceneOptions options;
+  options.nameAffix = "affix";
+  options.includePaths = {"somewhere"};
+  for (const std::string text :
+       {"A a { x = 1 + b; y = \"s\\\"\"; z = ListInt(1); }", "A a { x = ; }", " \"unended"}) {
+    Scene::fromText(text, options);
+    const int64_t allocations = KelpTest::liveAllocations();
+    const int nodes = KelpTest::livePoolElements();
+    int64_t requests = 0;
+    while (failsToRead(text, options, ++requests)) {
+      EXPECT_EQ(KelpTest::livePoolElements(), nodes) << text << requests;
+      // Free nodes keep their strings: reading the whole text leaves the same ones every time.
+      Scene::fromText(text, options);
+      EXPECT_EQ(KelpTest::liveAllocations(), allocations) << text << requests;
+    }
+    EXPECT_GT(requests, 10);
+  }
 }
