@@ -167,15 +167,21 @@ TEST(SourcesReader, EmptyTextNeedsNoCharacters) {
 }
 
 TEST(SourcesReader, PaddingFollowsEverySource) {
+  const auto page = static_cast<size_t>(::sysconf(_SC_PAGESIZE));
   const TemporaryFiles files;
-  const std::string path = files.write("a.scene", "abc");
-  for (const bool map : {false, true}) {
-    SourcesReader reader;
-    reader.mapFiles = map;
-    reader.openFile(path.c_str());
-    const Source& source = *reader.position.source;
-    EXPECT_EQ(std::string(source.begin, source.end), "abc");
-    for (int i = 0; i < 64; ++i) EXPECT_EQ(source.end[i], '\0') << i;
+  for (const size_t size : {size_t{3}, page - 1, page, 2 * page - 1, 2 * page}) {
+    const std::string path = files.write("a.scene", std::string(size, 'a'));
+    for (const bool map : {false, true}) {
+      // Mappings made one after the other often lie side by side.
+      SourcesReader readers[3];
+      for (SourcesReader& reader : readers) {
+        reader.mapFiles = map;
+        reader.openFile(path.c_str());
+        const Source& source = *reader.position.source;
+        EXPECT_EQ(std::string(source.begin, source.end), std::string(size, 'a'));
+        EXPECT_EQ(std::string(source.end, 64), std::string(64, '\0')) << size << map;
+      }
+    }
   }
 }
 
