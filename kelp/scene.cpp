@@ -16,11 +16,26 @@ bool startsCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0U) !=
 
 bool isControl(char c) { return (static_cast<unsigned char>(c) < 0x20) || c == 0x7F; }
 
-std::string withoutControls(std::string text) {
-  for (char& c : text) {
-    if (isControl(c)) c = c == '\t' ? ' ' : '?';
+// Whether a control character of two bytes, U+0080 to U+009F, starts there. Terminals obey them.
+bool isTwoByteControl(const std::string& text, size_t i) {
+  return text[i] == '\xC2' && i + 1 < text.size() &&
+         (static_cast<unsigned char>(text[i + 1]) & 0xE0U) == 0x80U;
+}
+
+// Every control character becomes one harmless one, so that columns stay.
+std::string withoutControls(const std::string& text) {
+  std::string harmless;
+  harmless.reserve(text.size());
+  for (size_t i = 0; i < text.size(); ++i) {
+    const bool twoBytes = isTwoByteControl(text, i);
+    if (text[i] == '\t') {
+      harmless += ' ';
+    } else {
+      harmless += twoBytes || isControl(text[i]) ? '?' : text[i];
+    }
+    if (twoBytes) ++i;
   }
-  return text;
+  return harmless;
 }
 
 // The byte that the n-th character of a text starts at, n from 0.
@@ -39,7 +54,7 @@ size_t byteOfCharacter(const std::string& text, size_t n) {
 
 std::string SceneError::position() const {
   const std::string& name = tokenLine > 0 ? tokenFile : file;
-  const std::string shown = name.empty() ? "<text>" : name;
+  const std::string shown = name.empty() ? "<text>" : withoutControls(name);
   if (tokenLine == 0) return shown;
   return shown + ':' + std::to_string(tokenLine) + ':' + std::to_string(column);
 }
@@ -170,7 +185,7 @@ void Scene::filter(ScenePluginFilter& filter) {
   if (program() != nullptr) parser().doFilter(program(), &filter);
 }
 
-ProgramAST* Scene::program() const { return parts->program.get(); }
+ProgramAST* Scene::program() const { return parts != nullptr ? parts->program.get() : nullptr; }
 TreeParser& Scene::parser() const { return parts->parser; }
 SourcesReader& Scene::reader() const { return parts->reader; }
 

@@ -53,7 +53,8 @@ struct SceneError {
   int column = 0;          ///< its column, from 1, in characters of UTF-8
   std::string sourceLine;  ///< that line, without its end
 
-  /// "file:line:column" of the token, or just the file when it could not be read.
+  /// "file:line:column" of the token, or just the file when it could not be read; fit for a
+  /// terminal.
   std::string position() const;
 
   /// The source line (a part of it, when it is long) and a line with a caret under the token,
@@ -84,8 +85,10 @@ class Scene {
   Scene& operator=(Scene&& other) noexcept;
   ~Scene();
 
-  /// True when the scene was read without an error.
+  /// True when the scene was read without an error. A scene that was moved from is false.
   explicit operator bool() const;
+  /// Lives as long as the scene. Requires: the scene was not moved from, as do parser() and
+  /// reader().
   const SceneError& error() const;
 
   class Objects;

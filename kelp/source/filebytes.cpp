@@ -105,17 +105,27 @@ void FileBytes::_readAll(int descriptor, const std::string& path) {
 }
 
 void FileBytes::_map(int descriptor, size_t fileSize, const std::string& path) {
-  // The file goes over the start of an anonymous mapping that is longer by a page, so that zero
-  // bytes follow it even when its size is a multiple of the page size.
+  // The file's whole pages go over the start of an anonymous mapping, the rest is read behind them:
+  // zero bytes follow the file whatever its size is, even when it grows later.
   const auto page = static_cast<size_t>(::sysconf(_SC_PAGESIZE));
-  const size_t whole = (fileSize + page - 1) / page * page + page;
+  const size_t inPages = fileSize / page * page;
+  const size_t whole = inPages + 2 * page;
   void* area = ::mmap(nullptr, whole, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (area == MAP_FAILED) throw std::bad_alloc();
   data = static_cast<char*>(area);
   mappedBytes = whole;
-  void* mapped = ::mmap(area, fileSize, PROT_READ, MAP_PRIVATE | MAP_FIXED, descriptor, 0);
-  if (mapped == MAP_FAILED) throwUnreadable(path, errno);
-  size = fileSize;
+  if (inPages > 0) {
+    void* mapped = ::mmap(area, inPages, PROT_READ, MAP_PRIVATE | MAP_FIXED, descriptor, 0);
+    if (mapped == MAP_FAILED) throwUnreadable(path, errno);
+  }
+  size = inPages;
+  while (size < fileSize) {
+    const ssize_t got = ::pread(descriptor, data + size, fileSize - size, static_cast<off_t>(size));
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) throwUnreadable(path, errno);
+    if (got == 0) break;
+    size += static_cast<size_t>(got);
+  }
 }
 
 void FileBytes::_free() noexcept {

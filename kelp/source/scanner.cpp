@@ -55,6 +55,18 @@ const char* skipSpecialValue(const char* at) {
   return at;
 }
 
+// Behind the blanks at `at` and the block comments between them that end on the same line.
+const char* skipCommentsOnLine(const char* at) {
+  for (;;) {
+    while (isBlank(*at)) ++at;
+    if (at[0] != '/' || at[1] != '*') return at;
+    const char* end = std::strstr(at + 2, "*/");
+    if (end == nullptr) return at;
+    if (std::memchr(at, '\n', static_cast<size_t>(end - at)) != nullptr) return at;
+    at = end + 2;
+  }
+}
+
 // The token type of every character that is a token by itself.
 constexpr auto kPunctuation = [] {
   std::array<TOKENTYPE, 256> types{};
@@ -172,32 +184,23 @@ bool Scanner::_skipInclude() {
   static constexpr char kWord[] = "#include";
   constexpr size_t kWordLength = sizeof kWord - 1;
   SourcePosition& position = reader->position;
+  // Before the look back: marks behind a wide indent would each walk over it.
+  if (std::strncmp(position.at, kWord, kWordLength) != 0) return false;
   for (const char* before = position.lineStart; before < position.at; ++before) {
     if (!isBlank(*before)) return false;
   }
-  if (std::strncmp(position.at, kWord, kWordLength) != 0) return false;
   const char* quote = position.at + kWordLength;
   if (isInIdentifier(*quote)) return false;
   while (isBlank(*quote)) ++quote;
-  const char* path = quote + 1;
-  const char* pathEnd = *quote == '"' ? path : nullptr;
-  while (pathEnd != nullptr && *pathEnd != '"') {
-    pathEnd = *pathEnd == '\n' || *pathEnd == '\0' ? nullptr : pathEnd + 1;
+  const char* path = *quote == '"' ? quote + 1 : quote;
+  const char* pathEnd = path;
+  while (path != quote && *pathEnd != '"' && *pathEnd != '\n' && *pathEnd != '\0') ++pathEnd;
+  if (path == quote || *pathEnd != '"') {
+    const bool nul = *pathEnd == '\0' && pathEnd != position.source->end;
+    _fail(position, (nul ? "NUL byte" : "#include needs the name of a file in double quotes") +
+                        onLine(position.line));
   }
-  if (pathEnd == nullptr) {
-    _fail(position, "#include needs the name of a file in double quotes" + onLine(position.line));
-  }
-  const char* rest = pathEnd + 1;
-  for (;;) {
-    while (isBlank(*rest)) ++rest;
-    const char* commentEnd =
-        rest[0] == '/' && rest[1] == '*' ? std::strstr(rest + 2, "*/") : nullptr;
-    if (commentEnd == nullptr ||
-        std::memchr(rest, '\n', static_cast<size_t>(commentEnd - rest)) != nullptr) {
-      break;
-    }
-    rest = commentEnd + 2;
-  }
+  const char* rest = skipCommentsOnLine(pathEnd + 1);
   const bool comment = rest[0] == '/' && (rest[1] == '/' || rest[1] == '*');
   if (*rest != '\n' && *rest != '\0' && !comment) {
     _fail(position, "Text after the file name of #include" + onLine(position.line));
@@ -289,10 +292,11 @@ const char* Scanner::_decodeString(const char* begin, const char* end, size_t* l
 
 // ---- places ------------------------------------------------------------------------------------
 
-// Reading stops where the text went wrong, so the reader reports the line it began on.
+// Reading stops where the text went wrong, so the reader reports the line it began on. A string is
+// among the last tokens already when it turns out to be none.
 void Scanner::_noteFailure(SourcePosition place) {
   reader->position = place;
-  starts[1] = starts[0];
+  if (starts[0].at != place.at) starts[1] = starts[0];
   starts[0] = place;
   failure = true;
 }

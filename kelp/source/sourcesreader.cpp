@@ -88,7 +88,7 @@ bool SourcesReader::leaveInclude() {
 }
 
 char* SourcesReader::keepText(size_t bytes) {
-  keptTexts.emplace_back(new char[bytes]);
+  keptTexts.push_back(std::make_unique_for_overwrite<char[]>(bytes));
   return keptTexts.back().get();
 }
 
@@ -112,9 +112,9 @@ const Source* SourcesReader::_addText(std::unique_ptr<LoadedSource> loaded) {
   source.begin = loaded->bytes.data;
   source.end = source.begin + loaded->bytes.size;
   if (std::strncmp(source.begin, "\xEF\xBB\xBF", 3) == 0) source.begin += 3;
-  totalBytes += static_cast<int64_t>(loaded->bytes.size);
   sources.push_back(std::move(loaded));
-  return &sources.back()->source;
+  totalBytes += static_cast<int64_t>(sources.back()->bytes.size);
+  return &source;
 }
 
 std::string SourcesReader::_resolveInclude(const std::string& path) const {
