@@ -205,7 +205,7 @@ TEST(Sequence, DestructorFreesAllBlocksAndLeavesNothing) {
   EXPECT_EQ(liveAllocations(), before + 6);
   sequence.destroy();
   EXPECT_EQ(liveAllocations(), before);
-  for (const size_t pointer : {0, 8, 16}) EXPECT_EQ(sequence.fieldAt<void*>(pointer), nullptr);
+  for (const size_t pointer : {0U, 8U, 16U}) EXPECT_EQ(sequence.fieldAt<void*>(pointer), nullptr);
   EXPECT_EQ(sequence.fieldAt<int>(24), 0) << "first counter";
   EXPECT_EQ(sequence.fieldAt<int>(28), 0) << "elements handed out";
   EXPECT_EQ(sequence.fieldAt<int64_t>(40), 0) << "bytes";
