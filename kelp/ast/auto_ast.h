@@ -12,7 +12,12 @@ class auto_ast {
   explicit auto_ast(T* owned) noexcept : node(owned), owns(1) {}
   auto_ast(const auto_ast&) = delete;
   auto_ast& operator=(const auto_ast&) = delete;
-  ~auto_ast() { reset(nullptr); }
+  ~auto_ast() {
+    if (owns != 0 && node != nullptr) node->deleteThis();
+    // Volatile: a destructor's plain stores could be optimised away as dead.
+    *const_cast<T* volatile*>(&node) = nullptr;
+    *const_cast<volatile int32_t*>(&owns) = 0;
+  }
 
   T* get() const { return node; }
   T* operator->() const { return node; }

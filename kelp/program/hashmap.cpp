@@ -8,12 +8,11 @@ int recommendedBucketCount(int entries, int bucketCount) {
   const int32_t* smallest = std::begin(recommended_hash_sizes);
   const int32_t* end = std::end(recommended_hash_sizes);
   if (load > 75) {
-    const int32_t* current = std::find(smallest, end, bucketCount);
-    return end - current > 1 ? current[1] : bucketCount;
+    const int32_t* larger = std::upper_bound(smallest, end, bucketCount);
+    return larger != end ? *larger : bucketCount;
   }
   if (load <= 19 && bucketCount > *smallest) {
-    const int32_t* current = std::find(smallest, end, bucketCount);
-    return current[-1];
+    return std::lower_bound(smallest, end, bucketCount)[-1];
   }
   return bucketCount;
 }

@@ -21,7 +21,7 @@ size_t bytesFor(int length) { return length < 0 ? 0 : static_cast<size_t>(length
 
 CharStringBuf* newBuffer(size_t bytes) {
   const int size = checkedBytes(bytes);
-  auto fresh = std::make_unique<CharStringBuf>();
+  std::unique_ptr<CharStringBuf> fresh(new CharStringBuf);
   fresh->CharStringBuf::resize(size);
   return fresh.release();
 }
@@ -41,13 +41,14 @@ void CharStringBuf::resize(int bytes) {
   const bool wasteful = _ownsHeap() && bytes < capacity / 4;
   if (fits && !wasteful) return;
   const bool small = bytes <= kInlineBytes;
-  char* target = small ? inlineBytes : new char[static_cast<size_t>(bytes)];
-  if (data != nullptr) {
-    std::memcpy(target, data, static_cast<size_t>(std::max(0, std::min(bytes, capacity))));
-    if (_ownsHeap()) delete[] data;
-  }
+  char* target = small ? inlineBytes : new char[static_cast<size_t>(bytes) + 1];
+  const int kept = std::max(0, std::min(bytes, capacity));
+  if (kept > 0) std::memcpy(target, data, static_cast<size_t>(kept));
+  if (_ownsHeap()) delete[] data;
   data = target;
   capacity = small ? kInlineBytes : bytes;
+  data[kept] = '\0';
+  data[capacity] = '\0';
 }
 
 CharStringBuf::~CharStringBuf() {
@@ -181,9 +182,10 @@ bool CharString::operator==(const CharString& other) const {
 
 bool CharString::_pointsInside(const char* text) const {
   const char* begin = buffer->data;
-  if (begin == nullptr) return false;
-  const char* end = begin + std::strlen(begin);
-  return !std::less<>()(text, begin) && !std::less<>()(end, text);
+  if (begin == nullptr || std::less<>()(text, begin)) return false;
+  // A buffer class with a storage of its own has no capacity here; its text counts in any case.
+  const size_t held = std::max(static_cast<size_t>(buffer->capacity), std::strlen(begin));
+  return !std::less<>()(begin + held, text);
 }
 
 void CharString::_replaceBuffer(CharStringBuf* fresh) noexcept {

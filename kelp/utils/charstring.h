@@ -20,7 +20,8 @@ class CharStringBuf {
   char* data = nullptr;    ///< the characters, NUL-terminated by whoever writes; null before resize
   int referenceCount = 1;  ///< number of CharString handles that share this buffer
 
-  /// Makes room for `bytes` bytes, keeping the old contents as far as they fit.
+  /// Makes room for `bytes` bytes, keeping the old contents as far as they fit. The data end in a
+  /// NUL behind them, so that a reader who comes before the writer finds a text.
   /// Throws std::bad_alloc, and then the buffer is unchanged.
   virtual void resize(int bytes);
 
@@ -28,12 +29,14 @@ class CharStringBuf {
   virtual ~CharStringBuf();
 
  private:
-  static constexpr int kInlineBytes = 40;
+  friend class CharString;
+
+  static constexpr int kInlineBytes = 39;
 
   bool _ownsHeap() const { return data != nullptr && data != inlineBytes; }
 
-  int capacity = 0;
-  char inlineBytes[kInlineBytes];  // not initialised: `data` says whether it is in use
+  int capacity = 0;                    // bytes to write to; one more, always NUL, follows them
+  char inlineBytes[kInlineBytes + 1];  // not initialised: `data` says whether it is in use
 };
 
 /// A handle on a shared string, or null. Lengths are `int`; a string ends at its first NUL.

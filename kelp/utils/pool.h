@@ -198,7 +198,7 @@ template <class E, int BlockSize = 1000, bool DestroyElements = false>
 class SimplePool {
  public:
   SimplePool() = default;
-  ~SimplePool() { sequence.freeBlocks(); }
+  ~SimplePool() { _freeBlocks(); }
 
   /// An element with unknown field values. Throws ExceptionMsg when there is no memory.
   E* newElement() {
@@ -219,6 +219,13 @@ class SimplePool {
   int64_t bytesAllocated() const { return sequence.bytesAllocated(); }
 
  private:
+  // Kept out of line: a destructor's plain stores could be optimised away as dead.
+  [[gnu::noinline]] void _freeBlocks() noexcept {
+    sequence.freeBlocks();
+    reserved[0] = reserved[1] = 0;
+    freeList = nullptr;
+  }
+
   int reserved[2] = {0, 0};  // room for a host's statistics; nothing here counts
   _Sequence<SimplePoolElement<E>, BlockSize, true, DestroyElements> sequence;
   SimplePoolElement<E>* freeList = nullptr;
