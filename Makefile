@@ -9,9 +9,9 @@ EXAMPLE := examples/kitchen.scene
 .PHONY: setup build release debug sanitize run test test-sanitize format format-check check-includes \
         tidy bench install clean
 
-# $(call build,PRESET[,FURTHER OPTIONS]) configures and builds a preset.
+# $(call build,PRESET) configures and builds a preset.
 define build
-cmake --preset $(1) -DKELP_WARNINGS_AS_ERRORS=$(if $(CI),ON,OFF) $(2)
+cmake --preset $(1) -DKELP_WARNINGS_AS_ERRORS=$(if $(CI),ON,OFF)
 cmake --build --preset $(1) -j $(JOBS)
 endef
 
@@ -47,9 +47,8 @@ tidy:
 	cmake --preset release
 	scripts/tidy build/release
 
-bench: setup
-	$(call build,release,-DKELP_BUILD_BENCHMARKS=ON)
-	cmake --build --preset release --target bench
+bench: release
+	build/release/bench/kelp_bench
 
 install: release
 	cmake --install build/release --prefix $(PREFIX)

@@ -1,9 +1,10 @@
-// Every scene of examples/ is good.
+// Every scene of examples/ is good, and so is the one in the README.
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
 #include "kelp/scene.h"
+#include "tests/docs/markdown.h"
 
 TEST(Examples, AllParseAndHaveObjects) {
   int found = 0;
@@ -15,4 +16,12 @@ TEST(Examples, AllParseAndHaveObjects) {
     ++found;
   }
   EXPECT_GE(found, 6);
+}
+
+TEST(Examples, SceneOfTheReadmeParses) {
+  const auto blocks = KelpTest::blocksOf(KelpTest::projectFile("README.md"), "scene");
+  ASSERT_EQ(blocks.size(), 1U);
+  const Kelp::Scene scene =
+      Kelp::Scene::fromText(blocks[0].text, KELP_SOURCE_DIR "/examples/readme.scene");
+  EXPECT_TRUE(scene) << scene.error();
 }
