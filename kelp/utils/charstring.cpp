@@ -44,6 +44,7 @@ void CharStringBuf::resize(int bytes) {
   char* target = small ? inlineBytes : new char[static_cast<size_t>(bytes) + 1];
   const int kept = std::max(0, std::min(bytes, capacity));
   if (kept > 0) std::memcpy(target, data, static_cast<size_t>(kept));
+  // NOLINTNEXTLINE(clang-analyzer-unix.MismatchedDeallocator): it takes data for inlineBytes
   if (_ownsHeap()) delete[] data;
   data = target;
   capacity = small ? kInlineBytes : bytes;

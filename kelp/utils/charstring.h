@@ -47,8 +47,8 @@ class CharString {
   CharString() = default;
 
   /// A copy of `text`; null gives the null string, "" a non-null empty one.
-  CharString(
-      const char* text);  // NOLINT(google-explicit-constructor): names are written as literals
+  // NOLINTNEXTLINE(google-explicit-constructor): names are written as literals
+  CharString(const char* text);
   CharString(const CharString& other) noexcept;
   CharString(CharString&& other) noexcept : buffer(other.buffer) { other.buffer = nullptr; }
   ~CharString() { freeMem(); }

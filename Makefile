@@ -1,0 +1,57 @@
+# From a fresh clone on Debian 12 to a working Kelp: `make run` and `make test` need nothing else.
+# With CI=true in the environment warnings are errors.
+
+JOBS ?= $(shell nproc)
+PREFIX ?= /usr/local
+EXAMPLE := examples/kitchen.scene
+
+.DEFAULT_GOAL := build
+.PHONY: setup build release debug sanitize run test test-sanitize format format-check check-includes \
+        tidy bench install clean
+
+# $(call build,PRESET) configures and builds a preset.
+define build
+cmake --preset $(1) -DKELP_WARNINGS_AS_ERRORS=$(if $(CI),ON,OFF)
+cmake --build --preset $(1) -j $(JOBS)
+endef
+
+setup:
+	scripts/setup
+
+build: release
+
+release debug sanitize: setup
+	$(call build,$@)
+
+run: release
+	build/release/cli/kelp check --stats examples/*.scene
+	build/release/cli/kelp dump $(EXAMPLE)
+
+test: release
+	ctest --preset release -j $(JOBS)
+
+test-sanitize: sanitize
+	ctest --preset sanitize -j $(JOBS)
+
+format: setup
+	scripts/format
+
+format-check: setup
+	scripts/format --check
+
+check-includes: setup
+	scripts/check_includes
+
+tidy:
+	scripts/setup clang-tidy
+	cmake --preset release
+	scripts/tidy build/release
+
+bench: release
+	build/release/bench/kelp_bench
+
+install: release
+	cmake --install build/release --prefix $(PREFIX)
+
+clean:
+	rm -rf build
