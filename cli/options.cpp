@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <string_view>
 #include <utility>
 
 namespace KelpCli {
@@ -82,10 +83,10 @@ void addSceneOptions(CLI::App& command, Options& options) {
   command.footer(kExitCodes);
 }
 
-CLI::App* addCheck(CLI::App& app, Options& options) {
+CLI::App* addCheck(CLI::App& app, Options& options, bool needsFile) {
   CLI::App* check = app.add_subcommand("check", "Say whether scenes can be read");
   check->add_option("FILE", options.files, "Scenes; - is standard input")
-      ->required()
+      ->required(needsFile)
       ->type_name("");
   check->add_flag("--stats", options.stats, "Print what every scene holds and how fast it is read");
   check->add_flag("--json", options.json, "Print one JSON object a line instead of texts");
@@ -93,11 +94,10 @@ CLI::App* addCheck(CLI::App& app, Options& options) {
   return check;
 }
 
-CLI::App* addDump(CLI::App& app, Options& options) {
+CLI::App* addDump(CLI::App& app, Options& options, bool needsFile) {
   CLI::App* dump = app.add_subcommand("dump", "Print the tree of a scene");
   dump->add_option("FILE", options.files, "The scene; - is standard input")
-      ->required()
-      ->expected(1)
+      ->required(needsFile)
       ->type_name("");
   addChoice<Format>(*dump, "--format", "Form of the output",
                     {{"tree", Format::kTree}, {"json", Format::kJson}}, options.format);
@@ -110,14 +110,20 @@ CLI::App* addDump(CLI::App& app, Options& options) {
 }  // namespace
 
 Options parseOptions(int argc, const char* const* argv) {
+  // The library forgets a "--" when it stands behind the first file.
+  const char* const* end = argv + argc;
+  const char* const* mark = std::find(argv, end, std::string_view("--"));
+  const std::vector<std::string> filesBehind(std::min(mark + 1, end), end);
+
   Options options;
   CLI::App app("Reads scene descriptions.", "kelp");
   app.set_version_flag("--version", "kelp " KELP_VERSION);
   app.require_subcommand(1);
-  const CLI::App* check = addCheck(app, options);
-  addDump(app, options);
+  const CLI::App* check = addCheck(app, options, filesBehind.empty());
+  addDump(app, options, filesBehind.empty());
   try {
-    app.parse(argc, argv);
+    app.parse(static_cast<int>(mark - argv), argv);
+    options.files.insert(options.files.end(), filesBehind.begin(), filesBehind.end());
     options.command = check->parsed() ? Command::kCheck : Command::kDump;
   } catch (const CLI::CallForHelp&) {
     options.text = app.help();  // of the command, if one was named
@@ -125,6 +131,9 @@ Options parseOptions(int argc, const char* const* argv) {
     options.text = "kelp " KELP_VERSION "\n";
   } catch (const CLI::ParseError& error) {
     throw UsageError{error.what()};
+  }
+  if (options.command == Command::kDump && options.files.size() != 1) {
+    throw UsageError{"dump takes one FILE only"};
   }
   return options;
 }

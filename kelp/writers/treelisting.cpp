@@ -160,7 +160,9 @@ class Listing final : public Visitor {
     const BuiltinFunction* function = BuiltinFunctionAST::findFunction(node.funcID);
     std::string words = "call ";
     words += function != nullptr ? function->name : "function " + std::to_string(node.funcID);
-    if (node.seed != 0.0F) words += ", seed " + number(node.seed);
+    const bool random =
+        node.funcID == BuiltinFunctionAST::kRandom || node.funcID == BuiltinFunctionAST::kRandomInt;
+    if (random) words += ", seed " + number(node.seed);
     line(words);
     for (int i = 0; i < node.numArgs; ++i) add(node.args[i]);
   }
