@@ -1,7 +1,4 @@
 // kelp: the command line of the library.
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -15,15 +12,6 @@
 namespace KelpCli {
 
 namespace {
-
-// A file opened while a standard descriptor is closed would take its number, and messages would go
-// into it. A descriptor of the wrong direction keeps the number and still fails when it is used.
-void fillStandardDescriptors() {
-  for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
-    if (::fcntl(descriptor, F_GETFD) >= 0) continue;
-    ::open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
-  }
-}
 
 ExitCode showText(const std::string& text) {
   Output output;
@@ -67,7 +55,6 @@ ExitCode runReportingFailures(int argc, const char* const* argv) {
 }  // namespace KelpCli
 
 int main(int argc, char** argv) {
-  KelpCli::fillStandardDescriptors();
   // A reader that went away is then an error of writing, told like the others.
   std::signal(SIGPIPE, SIG_IGN);
   try {

@@ -78,7 +78,7 @@ class Counter final : public Visitor {
 
   template <class T>
   void countElements(const ListTypeExpressionAST<T>& node) {
-    if (node.parsedForm != 0) statistics.listElements += node.elements.count;
+    statistics.listElements += node.elements.count;
   }
 
   Statistics& statistics;

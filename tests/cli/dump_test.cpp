@@ -139,8 +139,10 @@ TEST_F(Dump, FullDiskClosedPipeAndClosedOutputAreTold) {
   }
 }
 
-TEST_F(Dump, ClosedStandardErrorIsNotMistakenForTheOutputFile) {
+TEST_F(Dump, ClosedDescriptorsDoNotHurtTheOutputFile) {
   EXPECT_EQ(shell("$KELP dump a.scene -o out 2>&-; $KELP check bad.scene 2>&-"),
             (Outcome{1, "", ""}));
   EXPECT_EQ(contents("out"), kTree);
+  EXPECT_EQ(shell("$KELP dump a.scene -o second >&- 2>&- <&-"), (Outcome{0, "", ""}));
+  EXPECT_EQ(contents("second"), kTree);
 }
