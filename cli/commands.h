@@ -1,0 +1,15 @@
+// The commands of the program, each in a file of its own.
+#pragma once
+
+#include "cli/exitcode.h"
+#include "cli/options.h"
+
+namespace KelpCli {
+
+/// Reads every file and says what is wrong with it. Throws WriteFailure.
+ExitCode runCheck(const Options& options);
+
+/// Writes the tree of one file. Throws WriteFailure.
+ExitCode runDump(const Options& options);
+
+}  // namespace KelpCli

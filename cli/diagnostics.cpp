@@ -1,0 +1,68 @@
+#include "cli/diagnostics.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace KelpCli {
+
+namespace {
+
+constexpr const char* kRed = "\x1b[1;31m";
+constexpr const char* kGreen = "\x1b[1;32m";
+constexpr const char* kPlain = "\x1b[0m";
+
+bool wantsColours(Colour colour) {
+  if (colour != Colour::kAuto) return colour == Colour::kAlways;
+  const char* refused = std::getenv("NO_COLOR");
+  return (refused == nullptr || *refused == '\0') && ::isatty(STDERR_FILENO) != 0;
+}
+
+// Names of files come from anywhere: they must not steer the terminal.
+std::string withoutControls(std::string text) {
+  for (char& c : text) {
+    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '?';
+  }
+  return text;
+}
+
+// When even standard error cannot be written there is nobody left to tell.
+void print(const std::string& text) { std::fwrite(text.data(), 1, text.size(), stderr); }
+
+}  // namespace
+
+void complain(std::string_view message) {
+  print(fmt::format("kelp: {}\n", withoutControls(std::string(message))));
+}
+
+void report(const Kelp::SceneError& error, Colour colour) {
+  const bool coloured = wantsColours(colour);
+  const char* red = coloured ? kRed : "";
+  const char* green = coloured ? kGreen : "";
+  const char* plain = coloured ? kPlain : "";
+  std::string text = fmt::format("{}: {}error:{} {}\n", withoutControls(error.position()), red,
+                                 plain, error.describe());
+  const std::string excerpt = error.excerpt();
+  if (!excerpt.empty()) {
+    const std::string_view upToCaret(excerpt.data(), excerpt.size() - 1);
+    text += fmt::format("{}{}^{}\n", upToCaret, green, plain);
+  }
+  print(text);
+}
+
+ExitCode exitCodeOf(const Kelp::SceneError& error) {
+  switch (error.kind) {
+    case Kelp::SceneError::Kind::kNone:
+      return kGood;
+    case Kelp::SceneError::Kind::kInvalid:
+      return kInvalid;
+    case Kelp::SceneError::Kind::kUnreadable:
+      break;
+  }
+  return kTrouble;
+}
+
+}  // namespace KelpCli

@@ -1,0 +1,21 @@
+// Messages on standard error.
+#pragma once
+
+#include <string_view>
+
+#include "cli/exitcode.h"
+#include "cli/options.h"
+#include "kelp/scene.h"
+
+namespace KelpCli {
+
+/// "kelp: message" on a line of its own.
+void complain(std::string_view message);
+
+/// The message of a scene that could not be read, with the source line and a caret if there is one.
+void report(const Kelp::SceneError& error, Colour colour);
+
+/// The exit code that a scene with this error stands for.
+ExitCode exitCodeOf(const Kelp::SceneError& error);
+
+}  // namespace KelpCli

@@ -1,0 +1,141 @@
+#include "cli/options.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <string_view>
+#include <utility>
+
+namespace KelpCli {
+
+namespace {
+
+constexpr const char* kExitCodes =
+    "Exit codes: 0 all scenes are good, 1 a scene is not, 2 a file cannot be read or written or\n"
+    "the usage is wrong.";
+
+double parseFrame(std::string_view text) {
+  double frame = 0.0;
+  const char* end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, frame);
+  if (result.ec != std::errc() || result.ptr != end || !std::isfinite(frame)) {
+    throw CLI::ValidationError("--frames", "\"" + std::string(text) + "\" is not a frame number");
+  }
+  return frame;
+}
+
+void setFrames(Kelp::SceneOptions& scene, const std::string& text) {
+  const size_t colon = text.find(':');
+  if (colon == std::string::npos) {
+    throw CLI::ValidationError("--frames", "\"" + text + "\" is not of the form FIRST:LAST");
+  }
+  scene.firstFrame = parseFrame(std::string_view(text).substr(0, colon));
+  scene.lastFrame = parseFrame(std::string_view(text).substr(colon + 1));
+  if (scene.firstFrame > scene.lastFrame) {
+    throw CLI::ValidationError("--frames", "the first frame lies behind the last");
+  }
+}
+
+// An option that takes one of a few words; the first of them is the default.
+template <class Value>
+void addChoice(CLI::App& command, const std::string& name, const std::string& description,
+               const std::vector<std::pair<std::string, Value>>& choices, Value& value) {
+  std::string words;
+  for (const auto& [word, meaning] : choices) words += (words.empty() ? "" : "|") + word;
+  const auto set = [name, choices, words, &value](const std::string& text) {
+    const auto chosen = std::find_if(choices.begin(), choices.end(),
+                                     [&text](const auto& choice) { return choice.first == text; });
+    if (chosen == choices.end()) {
+      throw CLI::ValidationError(name, "\"" + text + "\" is none of " + words);
+    }
+    value = chosen->second;
+  };
+  command.add_option_function<std::string>(name, set, description)->type_name(words);
+}
+
+void addSceneOptions(CLI::App& command, Options& options) {
+  Kelp::SceneOptions& scene = options.scene;
+  command.add_option("-I,--include", scene.includePaths, "Look up included files there, too")
+      ->type_name("DIR")
+      ->allow_extra_args(false);
+  CLI::Option* affix = command.add_option_function<std::string>(
+      "--affix", [&scene](const std::string& text) { scene.nameAffix = text; },
+      "Put TEXT before the names of all objects");
+  CLI::Option* suffix = command.add_option_function<std::string>(
+      "--suffix",
+      [&scene](const std::string& text) {
+        scene.nameAffix = text;
+        scene.affixIsSuffix = true;
+      },
+      "Put TEXT behind the names of all objects");
+  affix->type_name("TEXT");
+  suffix->type_name("TEXT")->excludes(affix);
+  command
+      .add_option_function<std::string>(
+          "--frames", [&scene](const std::string& text) { setFrames(scene, text); },
+          "Frames that the text describes")
+      ->type_name("FIRST:LAST");
+  addChoice<Colour>(
+      command, "--color", "Colours in messages",
+      {{"auto", Colour::kAuto}, {"always", Colour::kAlways}, {"never", Colour::kNever}},
+      options.colour);
+  command.footer(kExitCodes);
+}
+
+CLI::App* addCheck(CLI::App& app, Options& options, bool needsFile) {
+  CLI::App* check = app.add_subcommand("check", "Say whether scenes can be read");
+  check->add_option("FILE", options.files, "Scenes; - is standard input")
+      ->required(needsFile)
+      ->type_name("");
+  check->add_flag("--stats", options.stats, "Print what every scene holds and how fast it is read");
+  check->add_flag("--json", options.json, "Print one JSON object a line instead of texts");
+  addSceneOptions(*check, options);
+  return check;
+}
+
+CLI::App* addDump(CLI::App& app, Options& options, bool needsFile) {
+  CLI::App* dump = app.add_subcommand("dump", "Print the tree of a scene");
+  dump->add_option("FILE", options.files, "The scene; - is standard input")
+      ->required(needsFile)
+      ->type_name("");
+  addChoice<Format>(*dump, "--format", "Form of the output",
+                    {{"tree", Format::kTree}, {"json", Format::kJson}}, options.format);
+  dump->add_option("-o,--output", options.output, "Write to FILE, when all is well, not to stdout")
+      ->type_name("FILE");
+  addSceneOptions(*dump, options);
+  return dump;
+}
+
+}  // namespace
+
+Options parseOptions(int argc, const char* const* argv) {
+  // The library forgets a "--" when it stands behind the first file.
+  const char* const* end = argv + argc;
+  const char* const* mark = std::find(argv, end, std::string_view("--"));
+  const std::vector<std::string> filesBehind(std::min(mark + 1, end), end);
+
+  Options options;
+  CLI::App app("Reads scene descriptions.", "kelp");
+  app.set_version_flag("--version", "kelp " KELP_VERSION);
+  app.require_subcommand(1);
+  const CLI::App* check = addCheck(app, options, filesBehind.empty());
+  addDump(app, options, filesBehind.empty());
+  try {
+    app.parse(static_cast<int>(mark - argv), argv);
+    options.files.insert(options.files.end(), filesBehind.begin(), filesBehind.end());
+    options.command = check->parsed() ? Command::kCheck : Command::kDump;
+  } catch (const CLI::CallForHelp&) {
+    options.text = app.help();  // of the command, if one was named
+  } catch (const CLI::CallForVersion&) {
+    options.text = "kelp " KELP_VERSION "\n";
+  } catch (const CLI::ParseError& error) {
+    throw UsageError{error.what()};
+  }
+  if (options.command == Command::kDump && options.files.size() != 1) {
+    throw UsageError{"dump takes one FILE only"};
+  }
+  return options;
+}
+
+}  // namespace KelpCli

@@ -1,0 +1,38 @@
+// The command line of the program.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "kelp/scene.h"
+
+namespace KelpCli {
+
+enum class Command { kCheck, kDump, kShowText };
+enum class Format { kTree, kJson };
+enum class Colour { kAuto, kAlways, kNever };
+
+struct Options {
+  Command command = Command::kShowText;
+  std::string text;  ///< for kShowText: the help or the version
+
+  Kelp::SceneOptions scene;
+  std::vector<std::string> files;  ///< "-" is standard input
+  Colour colour = Colour::kAuto;
+
+  bool stats = false;  ///< check
+  bool json = false;   ///< check
+
+  Format format = Format::kTree;  ///< dump
+  std::string output;             ///< dump; empty: standard output
+};
+
+/// The command line makes no sense.
+struct UsageError {
+  std::string message;
+};
+
+/// Throws UsageError.
+Options parseOptions(int argc, const char* const* argv);
+
+}  // namespace KelpCli

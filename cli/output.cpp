@@ -1,0 +1,123 @@
+#include "cli/output.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <utility>
+
+namespace KelpCli {
+
+namespace {
+
+constexpr int kStandardOutput = 1;
+
+[[noreturn]] void throwFailure(const std::string& name, int error) {
+  throw WriteFailure{fmt::format("Cannot write to {}: {}", name, std::strerror(error))};
+}
+
+// The mode that a new file gets.
+unsigned defaultMode() {
+  const mode_t mask = ::umask(0);
+  ::umask(mask);
+  return 0666U & ~mask;
+}
+
+// The file that a path leads to through symbolic links; the path itself when there is none yet.
+std::string resolved(const std::string& path) {
+  const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr),
+                                                         &std::free);
+  return real != nullptr ? real.get() : path;
+}
+
+}  // namespace
+
+// ---- DescriptorBuffer --------------------------------------------------------------------------
+
+DescriptorBuffer::DescriptorBuffer(int fileDescriptor, std::string nameInMessages)
+    : descriptor(fileDescriptor), name(std::move(nameInMessages)), bytes(kBytes) {
+  setp(bytes.data(), bytes.data() + bytes.size());
+}
+
+DescriptorBuffer::int_type DescriptorBuffer::overflow(int_type character) {
+  sync();
+  if (traits_type::eq_int_type(character, traits_type::eof())) return traits_type::not_eof(0);
+  *pptr() = traits_type::to_char_type(character);
+  pbump(1);
+  return character;
+}
+
+int DescriptorBuffer::sync() {
+  const char* next = pbase();
+  const char* end = pptr();
+  // Emptied first: after a failure nothing is written twice.
+  setp(bytes.data(), bytes.data() + bytes.size());
+  while (next < end) {
+    const ssize_t written = ::write(descriptor, next, static_cast<size_t>(end - next));
+    if (written >= 0) {
+      next += written;
+    } else if (errno != EINTR) {
+      throwFailure(name, errno);
+    }
+  }
+  return 0;
+}
+
+// ---- Destination -------------------------------------------------------------------------------
+
+Destination::Destination(const std::string& path) {
+  if (path.empty() || path == "-") return;
+  shownName = fmt::format("\"{}\"", path);
+  target = resolved(path);
+  struct stat status {};
+  const bool exists = ::stat(target.c_str(), &status) == 0;
+  if (!exists || S_ISREG(status.st_mode)) {
+    _openTemporary(exists ? status.st_mode & 0777U : defaultMode());
+    return;
+  }
+  // Devices and pipes cannot be replaced.
+  number = ::open(target.c_str(), O_WRONLY | O_CLOEXEC);
+  if (number < 0) throwFailure(shownName, errno);
+}
+
+Destination::~Destination() {
+  if (number != kStandardOutput) ::close(number);
+  if (!temporary.empty()) ::unlink(temporary.c_str());
+}
+
+// In the directory of the target, so that it can take the target's place in one step.
+void Destination::_openTemporary(unsigned mode) {
+  std::string pattern = target + ".XXXXXX";
+  number = ::mkostemp(pattern.data(), O_CLOEXEC);
+  if (number < 0) throwFailure(shownName, errno);
+  temporary = std::move(pattern);
+  // The rights are a courtesy: some file systems have none to set.
+  ::fchmod(number, mode);
+}
+
+void Destination::complete() {
+  if (temporary.empty()) return;
+  const bool replaced = ::fsync(number) == 0 && ::rename(temporary.c_str(), target.c_str()) == 0;
+  if (!replaced) throwFailure(shownName, errno);
+  temporary.clear();
+}
+
+// ---- Output ------------------------------------------------------------------------------------
+
+Output::Output(const std::string& path)
+    : destination(path), buffer(destination.descriptor(), destination.name()), out(&buffer) {
+  // The stream then passes on what its buffer throws.
+  out.exceptions(std::ios_base::badbit | std::ios_base::failbit);
+}
+
+void Output::finish() {
+  flush();
+  destination.complete();
+}
+
+}  // namespace KelpCli
