@@ -200,6 +200,23 @@ ExpressionAST* ListTypeExpressionAST<T>::getIth(int) {
   throwNotIndexable();
 }
 
+// ---- operators ---------------------------------------------------------------------------------
+
+const char* BinaryExpressionAST::operatorSpelling() const {
+  switch (op) {
+    case kPlus:
+      return "+";
+    case kMinus:
+      return "-";
+    case kMultiply:
+      return "*";
+    case kDivide:
+      return "/";
+    default:
+      return "";
+  }
+}
+
 // ---- factories and instances -------------------------------------------------------------------
 
 VectorExpressionAST* VectorExpressionAST::newVectorExpressionAST(VALUE_TYPE kind,

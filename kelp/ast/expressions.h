@@ -220,13 +220,19 @@ class NegatedExpressionAST : public ExpressionAST {
 /// left op right. A sum of n terms is a chain of n - 1 nodes through `left`; walk it in a loop.
 class BinaryExpressionAST final : public ExpressionAST {
  public:
+  /// The values of `op`, which are the codes of the operators' tokens.
+  enum Operator : int32_t { kPlus = 13, kMinus = 14, kMultiply = 15, kDivide = 16 };
+
+  /// "+", "-", "*" or "/"; "" for any other code. Lives for ever.
+  const char* operatorSpelling() const;
+
   void deleteThis() override;
   void visit(Visitor& visitor) override;
   ExpressionAST* getIth(int i) override;
 
   ExpressionAST* left = nullptr;
   ExpressionAST* right = nullptr;
-  int32_t op = 0;  ///< the operator's token code: TOKEN_PLUS, _MINUS, _MULTIPLY or _DIVIDE
+  int32_t op = 0;  ///< an Operator
 };
 
 struct ListCell {

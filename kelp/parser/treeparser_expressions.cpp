@@ -22,6 +22,12 @@ class TreeParser::NestingGuard {
   TreeParser& parser;
 };
 
+static_assert(static_cast<int>(BinaryExpressionAST::kPlus) == TOKEN_PLUS &&
+                  static_cast<int>(BinaryExpressionAST::kMinus) == TOKEN_MINUS &&
+                  static_cast<int>(BinaryExpressionAST::kMultiply) == TOKEN_MULTIPLY &&
+                  static_cast<int>(BinaryExpressionAST::kDivide) == TOKEN_DIVIDE,
+              "a node holds the code of its operator's token");
+
 // Left-associative. Each right operand hangs a new node over all that was read before.
 template <ExpressionAST* (TreeParser::*operand)(), TOKENTYPE firstOperator,
           TOKENTYPE secondOperator>

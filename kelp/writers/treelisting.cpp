@@ -4,7 +4,6 @@
 #include <string>
 
 #include "kelp/ast/visitor.h"
-#include "kelp/source/token.h"
 #include "kelp/writers/numbertext.h"
 #include "kelp/writers/treetext.h"
 #include "kelp/writers/workstack.h"
@@ -154,7 +153,7 @@ class Listing final : public Visitor {
     line("operators, applied from the top");
     const std::vector<BinaryExpressionAST*> spine = leftSpine(top);
     add(spine.back()->left, "  ");
-    for (size_t i = spine.size(); i-- > 0;) add(spine[i]->right, tokenSpelling(spine[i]->op), " ");
+    for (size_t i = spine.size(); i-- > 0;) add(spine[i]->right, spine[i]->operatorSpelling(), " ");
   }
   void visit(BuiltinFunctionAST& node) override {
     const BuiltinFunction* function = BuiltinFunctionAST::findFunction(node.funcID);

@@ -124,9 +124,8 @@ TEST_F(Check, ColoursMarkErrorAndCaretWhenAskedFor) {
 }
 
 TEST_F(Check, TerminalGetsColoursUnlessTheEnvironmentRefusesThem) {
-  if (shell("script -qec true /dev/null </dev/null").exitCode != 0) {
-    GTEST_SKIP() << "no program to give the test a terminal";
-  }
+  ASSERT_EQ(shell("script -qec true /dev/null </dev/null").exitCode, 0)
+      << "needs the program script to run kelp on a terminal (package bsdutils)";
   const std::string onTerminal = "script -qec '$KELP check bad.scene' /dev/null </dev/null";
   EXPECT_NE(shell("unset NO_COLOR; " + onTerminal).out.find("\x1b[1;31merror:"), std::string::npos);
   EXPECT_NE(shell("NO_COLOR= " + onTerminal).out.find("\x1b[1;31merror:"), std::string::npos);
