@@ -271,6 +271,25 @@ TEST(HashMap, KeyBuffersGrowWithTheArgumentAndAreKept) {
   EXPECT_EQ(map.count, 4);
 }
 
+int keysDerived = 0;
+
+void countedTextOfNumber(const int& value, char* buffer, int bufferSize) {
+  ++keysDerived;
+  textOfNumber(value, buffer, bufferSize);
+}
+
+TEST(HashMap, LookupDerivesEachKeyOfItsBucketOnce) {
+  IntMap map;
+  for (int i = 0; i < 9; ++i) map._insert(nullptr, i, countedTextOfNumber);
+  for (int i = 0; i < 13; ++i) {
+    int chain = 0;
+    for (auto* entry = map.buckets.data[i]; entry != nullptr; entry = entry->next) ++chain;
+    keysDerived = 0;
+    EXPECT_EQ(map._findInBucket(i, "no such key", countedTextOfNumber), nullptr);
+    EXPECT_EQ(keysDerived, chain);
+  }
+}
+
 TEST(LoadRule, StepsAbove75AndAt19PercentOrLess) {
   struct Row {
     int entries;
