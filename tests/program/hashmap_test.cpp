@@ -148,6 +148,14 @@ TEST(HashMap, NullKeyLivesInBucket0AndEqualsOnlyNull) {
   EXPECT_EQ(map.find(nullptr), nullptr);
 }
 
+TEST(HashMap, NullAndEmptyKeyInOneBucketStayApart) {
+  IntMap map;
+  map._insert(nullptr, 1, nullptr);
+  map._insert("", 2, nullptr);
+  EXPECT_EQ(map._findInBucket(0, "", nullptr), nullptr);
+  EXPECT_EQ(map._findInBucket(map._bucketOf(""), nullptr, nullptr), nullptr);
+}
+
 TEST(HashMap, OwnedNullKeyStaysNull) {
   TextMap map;
   map._insert(nullptr, CharString("value"), nullptr);
