@@ -10,7 +10,9 @@ namespace Kelp {
 
 /// A growable array of N-stepped capacity. Elements are copied as plain values; a table of
 /// pointers does not own what they point to. Owners may read and write the fields, also replace
-/// `data` by an array of their own from new[] (the table frees whichever it finds there).
+/// `data` by an array of their own from new[] (the table frees whichever it finds there). Who frees
+/// the old array before making the new one calls release() for it: the new one may get the same
+/// address, and the table would take it for the old.
 template <class T, int N = 100>
 class Table {
  public:

@@ -148,6 +148,14 @@ TEST(HashMap, NullKeyLivesInBucket0AndEqualsOnlyNull) {
   EXPECT_EQ(map.find(nullptr), nullptr);
 }
 
+TEST(HashMap, NullAndEmptyKeyInOneBucketStayApart) {
+  IntMap map;
+  map._insert(nullptr, 1, nullptr);
+  map._insert("", 2, nullptr);
+  EXPECT_EQ(map._findInBucket(0, "", nullptr), nullptr);
+  EXPECT_EQ(map._findInBucket(map._bucketOf(""), nullptr, nullptr), nullptr);
+}
+
 TEST(HashMap, OwnedNullKeyStaysNull) {
   TextMap map;
   map._insert(nullptr, CharString("value"), nullptr);
@@ -269,6 +277,25 @@ TEST(HashMap, KeyBuffersGrowWithTheArgumentAndAreKept) {
   map._insert("short", 4, textOfNumber);
   EXPECT_EQ(map.keyBufferSize, 1025);
   EXPECT_EQ(map.count, 4);
+}
+
+int keysDerived = 0;
+
+void countedTextOfNumber(const int& value, char* buffer, int bufferSize) {
+  ++keysDerived;
+  textOfNumber(value, buffer, bufferSize);
+}
+
+TEST(HashMap, LookupDerivesEachKeyOfItsBucketOnce) {
+  IntMap map;
+  for (int i = 0; i < 9; ++i) map._insert(nullptr, i, countedTextOfNumber);
+  for (int i = 0; i < 13; ++i) {
+    int chain = 0;
+    for (auto* entry = map.buckets.data[i]; entry != nullptr; entry = entry->next) ++chain;
+    keysDerived = 0;
+    EXPECT_EQ(map._findInBucket(i, "no such key", countedTextOfNumber), nullptr);
+    EXPECT_EQ(keysDerived, chain);
+  }
 }
 
 TEST(LoadRule, StepsAbove75AndAt19PercentOrLess) {

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "tests/support/allocations.h"
+#include "tests/support/failures.h"
 #include "tests/support/parsing.h"
 #include "tests/support/placement.h"
 
@@ -142,6 +143,31 @@ TEST(LightExceptions, HandlerOfASyntaxErrorHoldsTheOnlyReference) {
   } catch (const InvalidSyntaxException& error) {
     ASSERT_FALSE(error.message.isNull());
     EXPECT_EQ(error.message.buffer->referenceCount, 1);
+  }
+}
+
+TEST(LightExceptions, MemoryFailureReplacesTheErrorThatItInterrupts) {
+  const char* const texts[] = {"1 +", "Vector(1,2", "-(a.b[1)", "List(1, interpolate((1,2), (3)))"};
+  for (const char* text : texts) {
+    KelpTest::parsedExpression(text);  // so that no pool needs a block below
+    const int live = KelpTest::livePoolElements();
+    int64_t failures = 0;
+    for (int64_t n = 1;; ++n) {
+      KelpTest::TextParser source(text);
+      bool syntaxError = false;
+      const bool failed = KelpTest::runsOutOfMemory(n, [&] {
+        try {
+          source.started().parseExpression();
+        } catch (const InvalidSyntaxException&) {
+          syntaxError = true;
+        }
+      });
+      EXPECT_NE(failed, syntaxError) << text << ' ' << n;
+      EXPECT_EQ(KelpTest::livePoolElements(), live) << text << ' ' << n;
+      if (!failed) break;
+      ++failures;
+    }
+    EXPECT_GT(failures, 0) << text;
   }
 }
 

@@ -131,7 +131,10 @@ TEST(Pool, LastReturnedIsFirstTaken) {
   EXPECT_EQ(pool.liveCount(), 0);
   EXPECT_EQ(taken.back()->nextFree, taken[2498]);
   EXPECT_EQ(taken.front()->nextFree, nullptr);
-  for (size_t i = taken.size(); i-- > 0;) ASSERT_EQ(pool.newElement(), taken[i]);
+  for (size_t i = taken.size(); i-- > 0;) {
+    ASSERT_EQ(pool.newElement(), taken[i]);
+    ASSERT_EQ(taken[i]->nextFree, nullptr);
+  }
   EXPECT_EQ(pool.blockCount(), 3);
 }
 
