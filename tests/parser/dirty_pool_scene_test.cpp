@@ -28,6 +28,7 @@ std::string hiddenFields(const ProgramAST& program) {
 
 std::string described(const std::string& scene) {
   const ParsedScene parsed(scene);
+  if (parsed.program.get() == nullptr) return "error";
   return sexpression(*parsed.program.get()) + hiddenFields(*parsed.program.get());
 }
 
@@ -38,6 +39,7 @@ void leaveDirt(const std::string& scene) {
   source.reader.readerParam1 = 1.0;
   source.reader.readerParam2 = 2.0;
   const auto_ast<ProgramAST> program(source.parser.parseProgram());
+  ASSERT_NE(program.get(), nullptr);
   for (ObjectAST* object = program->firstObject; object != nullptr; object = object->next) {
     object->extra = &host;
     object->filteredOut = 1;
