@@ -108,7 +108,7 @@ class Writer final : public Visitor {
     text += ' ';
     for (size_t i = 0; i < spine.size(); ++i) {
       text += i == 0 ? "(" : " (";
-      text += tokenSpellingOf(spine[i]->op);
+      text += spine[i]->operatorSpelling();
     }
     write(leftmost);
     for (size_t i = spine.size(); i-- > 0;) {
@@ -136,21 +136,6 @@ class Writer final : public Visitor {
   }
 
  private:
-  static const char* tokenSpellingOf(int op) {
-    switch (op) {
-      case 13:
-        return "+";
-      case 14:
-        return "-";
-      case 15:
-        return "*";
-      case 16:
-        return "/";
-      default:
-        return "?";
-    }
-  }
-
   void atom(const std::string& words) { text += ' ' + words; }
 
   void list(const std::string& head, const std::vector<ExpressionAST*>& children) {

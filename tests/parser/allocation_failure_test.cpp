@@ -1,0 +1,147 @@
+// Memory that runs out at every single request of a parse.
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "tests/support/balance.h"
+#include "tests/support/richscenes.h"
+#include "tests/support/sexpression.h"
+#include "tests/support/trees.h"
+
+using namespace Kelp;
+using namespace KelpTest;
+
+namespace {
+
+enum class Outcome { kParsed, kRefused, kBadAlloc, kExceptionMsg };
+
+// Parses while the n-th request fails (n 0: none does).
+Outcome parseWithFailure(TextParser& source, int64_t n, bool persistent, bool* failed) {
+  ProgramAST* program = nullptr;
+  Outcome outcome = Outcome::kParsed;
+  {
+    const FailingAllocation failing(n, persistent);
+    try {
+      program = source.parser.parseProgram();
+      if (program == nullptr) outcome = Outcome::kRefused;
+    } catch (const std::bad_alloc&) {
+      outcome = Outcome::kBadAlloc;
+    } catch (const ExceptionMsg& error) {
+      EXPECT_STREQ(error.what(), "[_SequenceBlock] Could not allocate memory");
+      outcome = Outcome::kExceptionMsg;
+    }
+    *failed = failing.hasFailed();
+  }
+  if (program != nullptr) program->deleteThis();
+  return outcome;
+}
+
+// Lets every request fail in turn. What comes out of an unharmed parse is `good`.
+void expectSurvivesEveryFailure(const std::string& scene, Outcome good) {
+  SCOPED_TRACE(scene);
+  const std::string clean = parsedScene(scene);
+  for (const bool persistent : {false, true}) {
+    bool failed = true;
+    for (int64_t n = 1; failed; ++n) {
+      SCOPED_TRACE(n);
+      expectBalanced([&] {
+        TextParser source(scene);
+        source.parser.collectReferenceNames = 1;
+        const Outcome outcome = parseWithFailure(source, n, persistent, &failed);
+        if (failed) {
+          EXPECT_TRUE(outcome == Outcome::kBadAlloc || outcome == Outcome::kExceptionMsg);
+          EXPECT_TRUE(source.parser.errorInfo.getErrorFile().isNull());
+        } else {
+          EXPECT_EQ(outcome, good);
+        }
+        if (outcome != Outcome::kParsed) {
+          EXPECT_EQ(source.parser.referenceNames.count, 0);
+        }
+      });
+      EXPECT_EQ(parsedScene(scene), clean);
+    }
+  }
+}
+
+// Holds all free elements of a pool, so that the next one needs a new block.
+template <class Node>
+class DrainedPool {
+ public:
+  DrainedPool() {
+    constexpr int kBlock = 1000;
+    const int held = Node::pool.blockCount() * kBlock - Node::pool.liveCount() - lostRequests;
+    for (int i = 0; i < held; ++i) nodes.push_back(Node::pool.newElement());
+  }
+  DrainedPool(const DrainedPool&) = delete;
+  DrainedPool& operator=(const DrainedPool&) = delete;
+  ~DrainedPool() {
+    for (Node* node : nodes) Node::pool.freeElement(node);
+  }
+
+  /// Refused requests stay counted as live.
+  static inline int lostRequests = 0;
+
+ private:
+  std::vector<Node*> nodes;
+};
+
+template <class Node>
+void expectSurvivesAnEmptyPool(const std::string& scene) {
+  SCOPED_TRACE(scene);
+  int refused = 0;
+  bool failed = true;
+  for (int64_t n = 1; failed; ++n) {
+    const DrainedPool<Node> drained;
+    const int live = Node::pool.liveCount();
+    const int others = livePoolElements() - live;
+    TextParser source(scene);
+    const Outcome outcome = parseWithFailure(source, n, true, &failed);
+    const int lost = Node::pool.liveCount() - live;
+    ASSERT_TRUE(lost == 0 || (lost == 1 && outcome == Outcome::kExceptionMsg));
+    EXPECT_EQ(livePoolElements() - Node::pool.liveCount(), others);
+    refused += lost;
+    DrainedPool<Node>::lostRequests -= lost;
+  }
+  EXPECT_GE(refused, 1);
+  EXPECT_FALSE(parsedScene(scene).starts_with("error"));
+}
+
+}  // namespace
+
+TEST(AllocationFailure, AnywhereInARichSceneLeavesNothing) {
+  for (const std::string& scene : richScenes()) expectSurvivesEveryFailure(scene, Outcome::kParsed);
+}
+
+TEST(AllocationFailure, AnywhereInABrokenSceneLeavesNothing) {
+  for (const std::string& scene : brokenScenes()) {
+    expectSurvivesEveryFailure(scene, Outcome::kRefused);
+  }
+}
+
+TEST(AllocationFailure, WithAnAffixLeavesNothing) {
+  bool failed = true;
+  for (int64_t n = 1; failed; ++n) {
+    expectBalanced([&] {
+      TextParser source("A a { x = b; y = c.d; z = e::f; }");
+      source.parser.nameAffix = "an affix that is long enough for the heap, whatever the name";
+      parseWithFailure(source, n, false, &failed);
+    });
+  }
+}
+
+TEST(AllocationFailure, OfAPoolsBlockIsTheOnlyThingThatStaysCounted) {
+  const std::string operators = "A a { x = 1 + 2 * -Vector(a.b[1], c, 2); }";
+  expectSurvivesAnEmptyPool<ObjectAST>(operators);
+  expectSurvivesAnEmptyPool<PropertyAST>(operators);
+  expectSurvivesAnEmptyPool<NumberExpressionAST>(operators);
+  expectSurvivesAnEmptyPool<NegatedExpressionAST>(operators);
+  expectSurvivesAnEmptyPool<VectorExpressionAST>(operators);
+  expectSurvivesAnEmptyPool<ObjectReferenceAST>(operators);
+  expectSurvivesAnEmptyPool<StringExpressionAST>("A a { x = List(a.b, \"s\"); }");
+  expectSurvivesAnEmptyPool<AColorExpressionAST>("A a { x = -AColor(a.b, 1, c, \"s\"); }");
+  expectSurvivesAnEmptyPool<MatrixExpressionAST>("A a { x = 1 + Matrix(a.b, 1, c); }");
+  expectSurvivesAnEmptyPool<TransformExpressionAST>("A a { x = List(1, Transform(a.b, 1)); }");
+  expectSurvivesAnEmptyPool<TransformHexExpressionAST>("A a { x = List(1, TransformHex(\"\")); }");
+  expectSurvivesAnEmptyPool<InterpolateExpressionAST>("A a { x = 1 + interpolate((a.b, 1)); }");
+  expectSurvivesAnEmptyPool<KeyList>("A a { x = interpolate((a.b, 1), (2, c)); }");
+}
