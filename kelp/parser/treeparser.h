@@ -30,9 +30,9 @@ class TreeParser {
 
   /// Parses the whole scene. The result is the caller's, to be released with deleteThis() before
   /// the SourcesReader goes (long texts are borrowed from it). Null after a syntax or source error,
-  /// which is then in `errorInfo`; nothing of the parse is left. A failure of the very first token
-  /// is thrown (InvalidSourceFile), as are ExceptionMsg and std::bad_alloc. Call it once: after a
-  /// failure the look-ahead still belongs to the old text.
+  /// which is then in `errorInfo`; nothing of the parse is left. InvalidSourceFile is thrown when
+  /// the first token or its look-ahead cannot be read, as are ExceptionMsg and std::bad_alloc at
+  /// any time. Call it once: after a failure the look-ahead still belongs to the old text.
   ProgramAST* parseProgram();
 
   /// Lets `filter` mark and rename the objects of `program`; recorded references follow the new
