@@ -9,10 +9,10 @@ EXAMPLE := examples/kitchen.scene
 .PHONY: setup build release debug sanitize run test test-sanitize format format-check check-includes \
         tidy bench install clean
 
-# $(call build,PRESET) configures and builds a preset.
+# $(call build,PRESET[,TARGET]) configures a preset and builds all of it, or one target.
 define build
 cmake --preset $(1) -DKELP_WARNINGS_AS_ERRORS=$(if $(CI),ON,OFF)
-cmake --build --preset $(1) -j $(JOBS)
+cmake --build --preset $(1) -j $(JOBS) $(if $(2),--target $(2))
 endef
 
 setup:
@@ -23,7 +23,8 @@ build: release
 release debug sanitize: setup
 	$(call build,$@)
 
-run: release
+run: setup
+	$(call build,release,kelp_program)
 	build/release/cli/kelp check --stats examples/*.scene
 	build/release/cli/kelp dump $(EXAMPLE)
 
@@ -47,7 +48,8 @@ tidy:
 	cmake --preset release
 	scripts/tidy build/release
 
-bench: release
+bench: setup
+	$(call build,release,kelp_bench)
 	build/release/bench/kelp_bench
 
 install: release

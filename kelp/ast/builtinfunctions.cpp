@@ -48,9 +48,11 @@ float RandomGenerator::drawSeed() {
 }
 
 int BuiltinFunctionAST::getBuiltinFunctionID(const char* name, int* numArgs) {
-  const BuiltinFunction wanted{name, 0, 0};
   const auto* end = std::end(kFunctions);
-  const auto* found = std::lower_bound(std::begin(kFunctions), end, wanted, byName);
+  const auto* found = std::lower_bound(std::begin(kFunctions), end, name,
+                                       [](const BuiltinFunction& function, const char* wanted) {
+                                         return std::strcmp(function.name, wanted) < 0;
+                                       });
   if (found == end || std::strcmp(found->name, name) != 0) return 0;
   *numArgs = found->numArgs;
   return found->id;

@@ -77,7 +77,7 @@ double TreeParser::parseSimpleNumber() {
 }
 
 double TreeParser::parseNum(const char* text) {
-  if (std::strcmp(text, "nan") == 0) return 0.0;
+  if (*text == 'n' && std::strcmp(text, "nan") == 0) return 0.0;
   double value = readInteger(text, 0.0);
   const bool point = *text == '.';
   if (point) value = readFraction(++text, value);

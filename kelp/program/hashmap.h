@@ -7,9 +7,11 @@
 #pragma once
 
 #include <algorithm>
+#include <climits>
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <new>
 
 #include "kelp/program/hashlittle.h"
 #include "kelp/utils/pool.h"
@@ -67,7 +69,7 @@ class HashMap {
   /// Throws ExceptionMsg (then `count` is one too high) or std::bad_alloc.
   Iterator _insert(const char* key, const T& value, KeyFunction keyFunction) {
     if (keyFunction != nullptr) {
-      _reserveKeyBuffers(key != nullptr ? static_cast<int>(std::strlen(key)) + 1 : 0);
+      _reserveKeyBuffers(key != nullptr ? std::strlen(key) + 1 : 0);
       keyFunction(value, newKeyBuffer, keyBufferSize);
       key = newKeyBuffer;
     }
@@ -163,15 +165,16 @@ class HashMap {
 
   /// Makes both key buffers hold at least `needed` chars, and never less than LeastKeyBuffer.
   /// Throws std::bad_alloc, and then they are unchanged.
-  void _reserveKeyBuffers(int needed) {
-    needed = std::max(needed, LeastKeyBuffer);
-    if (keyBufferSize >= needed) return;
-    std::unique_ptr<char[]> entryKey(new char[static_cast<size_t>(needed)]);
-    char* newKey = new char[static_cast<size_t>(needed)];
+  void _reserveKeyBuffers(size_t needed) {
+    needed = std::max(needed, static_cast<size_t>(LeastKeyBuffer));
+    if (static_cast<size_t>(keyBufferSize) >= needed) return;
+    if (needed > static_cast<size_t>(INT_MAX)) throw std::bad_alloc();
+    std::unique_ptr<char[]> entryKey(new char[needed]);
+    char* newKey = new char[needed];
     _freeKeyBuffers();
     entryKeyBuffer = entryKey.release();
     newKeyBuffer = newKey;
-    keyBufferSize = needed;
+    keyBufferSize = static_cast<int32_t>(needed);
   }
 
   SimplePool<__internal_s, 1000, false> entryPool;

@@ -51,7 +51,7 @@ ObjectAST* ProgramAST::_findTyped(ObjectAST* object) {
   std::unique_ptr<char[]> longKey(size > sizeof shortKey ? new char[size] : nullptr);
   char* key = longKey != nullptr ? longKey.get() : shortKey;
   getNameTypeKey(object, key, static_cast<int>(size));
-  typedObjects._reserveKeyBuffers(static_cast<int>(size));
+  typedObjects._reserveKeyBuffers(size);
   const int bucket = typedObjects._bucketOf(key);
   const auto* entry = typedObjects._findInBucket(bucket, key, getNameTypeKey);
   if (entry == nullptr) return nullptr;

@@ -10,9 +10,9 @@ namespace Kelp {
 
 /// A growable array of N-stepped capacity. Elements are copied as plain values; a table of
 /// pointers does not own what they point to. Owners may read and write the fields, also replace
-/// `data` by an array of their own from new[] (the table frees whichever it finds there). Who frees
-/// the old array before making the new one calls release() for it: the new one may get the same
-/// address, and the table would take it for the old.
+/// `data` by an array of their own from new[] with its `capacity` (the table frees whichever it
+/// finds there). Who frees the old array before making the new one calls release() for it: the new
+/// one may get the same address, and the table would take it for the old.
 template <class T, int N = 100>
 class Table {
  public:
@@ -47,6 +47,7 @@ class Table {
     data = nullptr;
     storage = nullptr;
     storageSize = 0;
+    storageCapacity = 0;
   }
 
   int count = 0;      ///< elements in use
@@ -69,13 +70,17 @@ class Table {
   void _grow(int64_t needed) {
     const int64_t grown = _grownCapacity(needed);
     if (grown > INT_MAX) throw std::bad_alloc();
-    if (data == nullptr || data != storage || grown > storageSize) _moveTo(grown);
-    capacity = static_cast<int>(grown);
+    if (!_hasOwnArray() || grown > storageSize) _moveTo(grown);
+    capacity = storageCapacity = static_cast<int>(grown);
+  }
+
+  bool _hasOwnArray() const {
+    return data != nullptr && data == storage && capacity == storageCapacity;
   }
 
   void _moveTo(int64_t grown) {
-    const bool own = data != nullptr && data == storage;
-    const int64_t doubled = own ? std::min<int64_t>(int64_t{storageSize} * 2, INT_MAX) : 0;
+    const int64_t doubled =
+        _hasOwnArray() ? std::min<int64_t>(int64_t{storageSize} * 2, INT_MAX) : 0;
     const int64_t size = std::max(grown, doubled);
     T* larger = new T[static_cast<size_t>(size)];
     if (count > 0) std::copy_n(data, count, larger);
@@ -84,8 +89,9 @@ class Table {
     storageSize = static_cast<int>(size);
   }
 
-  T* storage = nullptr;  // the array that storageSize speaks of
-  int storageSize = 0;   // elements that it really holds, at least `capacity`
+  T* storage = nullptr;     // the array that storageSize speaks of
+  int storageSize = 0;      // elements that it really holds, at least `capacity`
+  int storageCapacity = 0;  // the capacity that was last reported for it
 };
 
 }  // namespace Kelp

@@ -132,6 +132,18 @@ TEST(Table, OwnersArrayIsNotTakenForLargerThanItSays) {
   EXPECT_EQ(table.data[10], 77);
 }
 
+// A new array of the owner's may lie where the table's own lay before.
+TEST(Table, OwnersArrayAtTheOldAddressIsNotTakenForTheOldOne) {
+  Table<int, 10> table;
+  for (int i = 0; i < 25; ++i) table += i;
+  const int* before = table.data;
+  table.capacity = table.count;
+  table += 25;
+  EXPECT_NE(table.data, before);
+  EXPECT_EQ(table.capacity, 30);
+  for (int i = 0; i < 26; ++i) EXPECT_EQ(table.data[i], i);
+}
+
 TEST(Table, ArrayTakenAwayByTheOwnerIsNotUsedAgain) {
   Table<int, 100> table;
   for (int i = 0; i < 250; ++i) table += i;
