@@ -1,9 +1,6 @@
 #include "kelp/scene.h"
 
 #include <ostream>
-
-#include "kelp/parser/treeparser.h"
-
 namespace Kelp {
 
 namespace {
@@ -77,6 +74,7 @@ std::string SceneError::describe() const {
 }
 
 std::ostream& operator<<(std::ostream& out, const SceneError& error) {
+  if (error.kind == SceneError::Kind::kNone) return out;
   out << error.position() << ": " << error.describe();
   const std::string excerpt = error.excerpt();
   if (!excerpt.empty()) out << '\n' << excerpt;
@@ -92,6 +90,8 @@ struct Scene::Parts {
   TreeParser parser{&scanner};
   auto_ast<ProgramAST> program{nullptr};
   SceneError error;
+  Objects objects;  // as of objectsUpTo
+  const ObjectAST* objectsUpTo = nullptr;
 
   void apply(const SceneOptions& options) {
     for (const std::string& path : options.includePaths) reader.addIncludePath(path.c_str());
@@ -164,17 +164,27 @@ Scene Scene::fromText(std::string_view text, const SceneOptions& options) {
 }
 
 Scene::Scene(std::unique_ptr<Parts> sceneParts) : parts(std::move(sceneParts)) {}
+Scene::Scene() noexcept = default;
 Scene::Scene(Scene&& other) noexcept = default;
 Scene& Scene::operator=(Scene&& other) noexcept = default;
 Scene::~Scene() = default;
 
 Scene::operator bool() const { return program() != nullptr; }
 
-const SceneError& Scene::error() const { return parts->error; }
+const SceneError& Scene::error() const {
+  static const SceneError none;
+  return parts != nullptr ? parts->error : none;
+}
 
-Scene::Objects Scene::objects() const {
-  if (program() == nullptr) return Objects({});
-  return Objects(objectsInTextOrder(*program()));
+const Scene::Objects& Scene::objects() const {
+  static const Objects none;
+  if (program() == nullptr) return none;
+  // Objects come to a program at the head of its list.
+  if (parts->objectsUpTo != program()->firstObject) {
+    parts->objects = Objects(objectsInTextOrder(*program()));
+    parts->objectsUpTo = program()->firstObject;
+  }
+  return parts->objects;
 }
 
 const ObjectAST* Scene::find(const std::string& name) const {

@@ -15,13 +15,10 @@
 #include <string_view>
 #include <vector>
 
-#include "kelp/program/programast.h"
+#include "kelp/ast/visitor.h"
+#include "kelp/parser/treeparser.h"
 
 namespace Kelp {
-
-class ScenePluginFilter;
-class SourcesReader;
-class TreeParser;
 
 /// How to read a scene.
 struct SceneOptions {
@@ -65,7 +62,7 @@ struct SceneError {
   std::string describe() const;
 };
 
-/// "file:line:column: message", then the excerpt.
+/// "file:line:column: message", then the excerpt; nothing when there was no error.
 std::ostream& operator<<(std::ostream& out, const SceneError& error);
 
 /// A scene that was read, with everything its tree refers to; or the reason why it could not be.
@@ -81,20 +78,21 @@ class Scene {
                         const SceneOptions& options = {});
   static Scene fromText(std::string_view text, const SceneOptions& options = {});
 
+  /// No scene yet: false, without an error and without objects.
+  Scene() noexcept;
   Scene(Scene&& other) noexcept;
   Scene& operator=(Scene&& other) noexcept;
   ~Scene();
 
-  /// True when the scene was read without an error. A scene that was moved from is false.
+  /// True when the scene was read without an error. A scene that was moved from is as if new.
   explicit operator bool() const;
-  /// Lives as long as the scene. Requires: the scene was not moved from, as do parser() and
-  /// reader().
+  /// Why it could not be read. Lives as long as the scene.
   const SceneError& error() const;
 
   class Objects;
-  /// The objects in the order of the text; none after an error. They live as long as the scene,
-  /// and the result stays good until objects are added.
-  Objects objects() const;
+  /// The objects in the order of the text; none after an error. The range lives as long as the
+  /// scene; a call after objects were added to the program makes it anew.
+  const Objects& objects() const;
 
   /// The first object of that name, null when there is none.
   const ObjectAST* find(const std::string& name) const;
@@ -106,6 +104,7 @@ class Scene {
   ProgramAST* program() const;
 
   /// The parser and the reader behind the scene, for what is not offered here.
+  /// Requires: something was read.
   TreeParser& parser() const;
   SourcesReader& reader() const;
 
@@ -141,6 +140,7 @@ class Scene::Objects {
     ObjectAST* const* at = nullptr;
   };
 
+  Objects() = default;
   explicit Objects(std::vector<ObjectAST*> inTextOrder) : list(std::move(inTextOrder)) {}
   Iterator begin() const { return Iterator(list.data()); }
   Iterator end() const { return Iterator(list.data() + list.size()); }

@@ -2,7 +2,9 @@
 
 #include <typeinfo>
 
+#include "kelp/ast/release.h"
 #include "kelp/ast/visitor.h"
+#include "kelp/utils/stackguard.h"
 
 namespace Kelp {
 
@@ -10,8 +12,13 @@ namespace {
 
 [[noreturn]] void throwNotIndexable() { throw NotIndexableException(CharString()); }
 
+// Children are released recursively while there is stack for it.
 void releaseChild(ExpressionAST*& child) {
-  if (child != nullptr) child->deleteThis();
+  if (child != nullptr && isStackNearlyUsedUp()) {
+    releaseWithoutStack(child);
+  } else if (child != nullptr) {
+    child->deleteThis();
+  }
   child = nullptr;
 }
 
@@ -92,7 +99,7 @@ void PropertyReferenceAST::deleteThis() { delete this; }
 void RuntimeValueAST::deleteThis() { delete this; }
 
 void ArrayExpressionAST::deleteThis() {
-  for (ExpressionAST*& index : indices) releaseChild(index);
+  for (; !indices.empty(); indices.pop_back()) releaseChild(indices.back());
   releaseChild(base);
   delete this;
 }

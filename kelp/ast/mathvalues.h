@@ -17,10 +17,7 @@ struct Color {
 struct Matrix {
   /// 1 gives the identity, 0 the zero matrix; any other kind leaves the elements unset, for code
   /// that is about to write all of them.
-  explicit Matrix(int kind) {  // NOLINT(cppcoreguidelines-pro-type-member-init)
-    if (kind != 0 && kind != 1) return;
-    for (int i = 0; i < 9; ++i) elements[i] = kind == 1 && i % 4 == 0 ? 1.0F : 0.0F;
-  }
+  explicit Matrix(int kind);
 
   float elements[9];
 };

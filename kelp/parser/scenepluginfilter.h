@@ -14,8 +14,7 @@ class ScenePluginFilter {
   /// passes through doFilter.
   virtual int acceptObject(const CharString& type, CharString& name, void* extra) = 0;
 
- protected:
-  ~ScenePluginFilter() = default;
+  virtual ~ScenePluginFilter() = default;
 };
 
 }  // namespace Kelp

@@ -1,6 +1,6 @@
 // Sums, products, terms and their atoms.
-#include "kelp/parser/stackguard.h"
 #include "kelp/parser/treeparser.h"
+#include "kelp/utils/stackguard.h"
 
 namespace Kelp {
 

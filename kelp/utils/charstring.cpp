@@ -172,13 +172,14 @@ void CharString::append(const char* piece) {
 }
 
 int CharString::length() const {
-  return buffer != nullptr ? static_cast<int>(std::strlen(buffer->data)) : 0;
+  // A buffer that was never resized holds no characters.
+  return chars() != nullptr ? static_cast<int>(std::strlen(chars())) : 0;
 }
 
 bool CharString::operator==(const CharString& other) const {
   if (buffer == other.buffer) return true;
-  if (buffer == nullptr || other.buffer == nullptr) return false;
-  return std::strcmp(buffer->data, other.buffer->data) == 0;
+  if (chars() == nullptr || other.chars() == nullptr) return false;
+  return std::strcmp(chars(), other.chars()) == 0;
 }
 
 bool CharString::_pointsInside(const char* text) const {

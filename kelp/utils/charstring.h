@@ -76,7 +76,7 @@ class CharString {
   const char* chars() const { return buffer != nullptr ? buffer->data : nullptr; }
   int length() const;
   bool isNull() const { return buffer == nullptr; }
-  bool isEmpty() const { return buffer == nullptr || buffer->data[0] == '\0'; }
+  bool isEmpty() const { return chars() == nullptr || *chars() == '\0'; }
 
   /// Equal: both null, or both not null with the same characters.
   bool operator==(const CharString& other) const;

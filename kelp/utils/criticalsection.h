@@ -24,9 +24,8 @@ class FastCriticalSection {
   bool try_lock() { return pthread_mutex_trylock(&mutex) == 0; }
   void unlock() { pthread_mutex_unlock(&mutex); }
 
- private:
   pthread_mutex_t mutex;
-  pthread_mutexattr_t attributes;  // kept for the lock's lifetime
+  pthread_mutexattr_t attributes;  ///< kept for the lock's lifetime
 };
 
 }  // namespace Kelp

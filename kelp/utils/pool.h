@@ -181,8 +181,9 @@ class Pool {
 };
 
 /// An element of a SimplePool; while it is free, its first word links the free list.
+/// Aligned so that a small E has room for the link, too.
 template <class E>
-struct SimplePoolElement : E {
+struct alignas(alignof(E) > alignof(void*) ? alignof(E) : alignof(void*)) SimplePoolElement : E {
   SimplePoolElement* freeLink() const {
     SimplePoolElement* following;
     std::memcpy(&following, static_cast<const void*>(this), sizeof following);
@@ -203,8 +204,12 @@ class SimplePool {
   /// An element with unknown field values. Throws ExceptionMsg when there is no memory.
   E* newElement() {
     SimplePoolElement<E>* element = freeList;
-    if (element == nullptr) return sequence.newElement();
-    freeList = element->freeLink();
+    if (element != nullptr) {
+      freeList = element->freeLink();
+    } else {
+      element = sequence.newElement();
+    }
+    ++live;
     return element;
   }
 
@@ -213,8 +218,11 @@ class SimplePool {
     auto* returned = static_cast<SimplePoolElement<E>*>(element);
     returned->setFreeLink(freeList);
     freeList = returned;
+    --live;
   }
 
+  /// Elements taken less elements returned.
+  int liveCount() const { return live; }
   int blockCount() const { return sequence.blockCount(); }
   int64_t bytesAllocated() const { return sequence.bytesAllocated(); }
 
@@ -222,11 +230,13 @@ class SimplePool {
   // Kept out of line: a destructor's plain stores could be optimised away as dead.
   [[gnu::noinline]] void _freeBlocks() noexcept {
     sequence.freeBlocks();
-    reserved[0] = reserved[1] = 0;
+    live = 0;
+    reserved = 0;
     freeList = nullptr;
   }
 
-  int reserved[2] = {0, 0};  // room for a host's statistics; nothing here counts
+  int live = 0;
+  int reserved = 0;  // room for a host's statistics
   _Sequence<SimplePoolElement<E>, BlockSize, true, DestroyElements> sequence;
   SimplePoolElement<E>* freeList = nullptr;
   FastCriticalSection lock;  // for hosts that share a pool; never entered here

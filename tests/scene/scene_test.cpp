@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <iterator>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <utility>
 
@@ -134,6 +135,41 @@ TEST(SceneObjects, FindGivesTheFirstOfAName) {
   EXPECT_EQ(scene.find("b"), &scene.objects()[2]);
   EXPECT_EQ(scene.find("c"), nullptr);
   EXPECT_EQ(scene.find("A"), nullptr);
+}
+
+TEST(SceneObjects, RangeLivesAsLongAsTheScene) {
+  const Scene scene = Scene::fromText("A a {} B b {}");
+  int number = 0;
+  for (auto at = scene.objects().begin(); at != scene.objects().end(); ++at) ++number;
+  EXPECT_EQ(number, 2);
+  EXPECT_EQ(&scene.objects(), &scene.objects());
+}
+
+TEST(SceneObjects, FollowObjectsAddedToTheProgram) {
+  const Scene scene = Scene::fromText("A a {}");
+  Scene other = Scene::fromText("B b {}");
+  EXPECT_EQ(scene.objects().size(), 1U);
+  EXPECT_EQ(other.objects().size(), 1U);
+  scene.program()->mergeProgram(other.program(), 0, 0, nullptr);
+  ASSERT_EQ(scene.objects().size(), 2U);
+  EXPECT_STREQ(scene.objects()[1].type.chars(), "B");
+  EXPECT_TRUE(other.objects().empty());
+}
+
+TEST(SceneDefault, IsFalseWithoutErrorAndObjects) {
+  Scene scene;
+  EXPECT_FALSE(scene);
+  EXPECT_EQ(scene.error().kind, SceneError::Kind::kNone);
+  EXPECT_TRUE(scene.objects().empty());
+  EXPECT_EQ(scene.find("a"), nullptr);
+  scene = Scene::fromText("A a {}");
+  EXPECT_TRUE(scene);
+}
+
+TEST(SceneDefault, NoErrorPrintsNothing) {
+  std::ostringstream out;
+  out << Scene::fromText("A a {}").error();
+  EXPECT_EQ(out.str(), "");
 }
 
 TEST(SceneObjects, NoneAfterAnError) {

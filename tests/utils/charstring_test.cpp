@@ -36,6 +36,16 @@ TEST(CharString, DefaultIsNull) {
   EXPECT_EQ(string.length(), 0);
 }
 
+TEST(CharString, BufferThatWasNeverResizedHoldsNoCharacters) {
+  CharString text;
+  text.buffer = new Kelp::CharStringBuf;
+  EXPECT_FALSE(text.isNull());
+  EXPECT_TRUE(text.isEmpty());
+  EXPECT_EQ(text.length(), 0);
+  EXPECT_EQ(text.chars(), nullptr);
+  EXPECT_FALSE(text == CharString("a"));
+}
+
 TEST(CharString, NullTextGivesNull) {
   const CharString constructed(nullptr);
   EXPECT_TRUE(constructed.isNull());

@@ -267,6 +267,30 @@ TEST(SimplePool, ReturnedElementsComeBackLastInFirstOut) {
   }
 }
 
+TEST(SimplePool, CountsWhatIsTakenAndNotReturned) {
+  SimplePool<Entry> pool;
+  Entry* first = pool.newElement();
+  pool.newElement();
+  EXPECT_EQ(pool.liveCount(), 2);
+  pool.freeElement(first);
+  EXPECT_EQ(pool.liveCount(), 1);
+  EXPECT_EQ(pool.newElement(), first);
+  EXPECT_EQ(pool.liveCount(), 2);
+}
+
+TEST(SimplePool, ElementsSmallerThanALinkDoNotTouchTheirNeighbours) {
+  struct Small {
+    char value;
+  };
+  SimplePool<Small> pool;
+  Small* first = pool.newElement();
+  Small* second = pool.newElement();
+  second->value = 77;
+  pool.freeElement(first);
+  EXPECT_EQ(second->value, 77);
+  EXPECT_EQ(pool.newElement(), first);
+}
+
 TEST(SimplePool, FreeListIsLinkedThroughTheFirstWord) {
   SimplePool<Entry> pool;
   Entry* first = pool.newElement();

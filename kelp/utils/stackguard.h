@@ -1,4 +1,4 @@
-// The parser's guard against running out of stack on deeply nested text.
+// The guard against running out of stack on deeply nested text and trees.
 #pragma once
 
 namespace Kelp {

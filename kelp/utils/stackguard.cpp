@@ -1,4 +1,4 @@
-#include "kelp/parser/stackguard.h"
+#include "kelp/utils/stackguard.h"
 
 #include <pthread.h>
 
