@@ -173,7 +173,8 @@ Scene::operator bool() const { return program() != nullptr; }
 
 const SceneError& Scene::error() const {
   static const SceneError none;
-  return parts != nullptr ? parts->error : none;
+  const Parts* read = parts.get();
+  return read != nullptr ? read->error : none;
 }
 
 const Scene::Objects& Scene::objects() const {
