@@ -8,28 +8,15 @@
 #include "kelp/ast/auto_ast.h"
 #include "tests/support/nodes.h"
 #include "tests/support/parsing.h"
+#include "tests/support/programs.h"
 
 using namespace Kelp;
+using KelpTest::add;
+using KelpTest::listOf;
 using KelpTest::livePoolElements;
 using KelpTest::object;
 
 namespace {
-
-// The names on the list, newest first.
-std::string listOf(const ProgramAST& program) {
-  std::string names;
-  for (const ObjectAST* o = program.firstObject; o != nullptr; o = o->next) {
-    names += o->name.isNull() ? "<null>" : o->name.chars();
-    names += ' ';
-  }
-  return names;
-}
-
-ObjectAST* add(ProgramAST* program, const char* type, const char* name) {
-  ObjectAST* added = object(type, name);
-  program->addObject(added, 0, 0, nullptr);
-  return added;
-}
 
 TEST(Program, StartsEmpty) {
   const auto_ast<ProgramAST> program(new ProgramAST);
