@@ -19,10 +19,11 @@ Kelp::InvalidSourceFile unreadable(int error) {
   return Kelp::InvalidSourceFile(message.c_str());
 }
 
-std::string readStandardInput() {
+// Reads to the end, or until there is more than may be read.
+std::string readStandardInput(int64_t maxBytes) {
   std::string text;
   size_t used = 0;
-  for (;;) {
+  while (maxBytes <= 0 || static_cast<int64_t>(used) <= maxBytes) {
     if (text.size() - used < kBlock) text.resize(text.size() * 2 + kBlock);
     const ssize_t got = ::read(STDIN_FILENO, text.data() + used, text.size() - used);
     if (got == 0) break;
@@ -38,7 +39,8 @@ std::string readStandardInput() {
 
 Kelp::Scene openScene(const std::string& file, const Kelp::SceneOptions& options) {
   if (file != "-") return Kelp::Scene::fromFile(file, options);
-  return Kelp::Scene::fromText(readStandardInput(), shownName(file), options);
+  return Kelp::Scene::fromText(readStandardInput(options.limits.maxBytes), shownName(file),
+                               options);
 }
 
 Kelp::SceneError noScene(const std::string& file, const char* why) {

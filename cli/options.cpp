@@ -54,6 +54,23 @@ void addChoice(CLI::App& command, const std::string& name, const std::string& de
   command.add_option_function<std::string>(name, set, description)->type_name(words);
 }
 
+void addLimits(CLI::App& command, Kelp::SceneOptions& scene) {
+  command.add_option("--max-bytes", scene.limits.maxBytes, "Refuse scenes of more bytes than that")
+      ->type_name("SIZE")
+      ->transform(CLI::AsSizeValue(true))
+      ->check(CLI::PositiveNumber);
+  command
+      .add_option("--max-includes", scene.limits.maxIncludes,
+                  "Follow no more #include lines than that; 100000 if not given")
+      ->type_name("NUMBER")
+      ->check(CLI::PositiveNumber);
+  command.add_option("--max-objects", scene.maxObjects, "Refuse scenes of more objects than that")
+      ->type_name("NUMBER")
+      ->check(CLI::PositiveNumber);
+  command.add_flag("--confine", scene.limits.confine,
+                   "Refuse included files outside the scene's folder and those of -I");
+}
+
 void addSceneOptions(CLI::App& command, Options& options) {
   Kelp::SceneOptions& scene = options.scene;
   command.add_option("-I,--include", scene.includePaths, "Look up included files there, too")
@@ -76,6 +93,7 @@ void addSceneOptions(CLI::App& command, Options& options) {
           "--frames", [&scene](const std::string& text) { setFrames(scene, text); },
           "Frames that the text describes")
       ->type_name("FIRST:LAST");
+  addLimits(command, scene);
   addChoice<Colour>(
       command, "--color", "Colours in messages",
       {{"auto", Colour::kAuto}, {"always", Colour::kAlways}, {"never", Colour::kNever}},

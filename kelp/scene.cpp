@@ -98,10 +98,12 @@ struct Scene::Parts {
     reader.readerParam1 = options.firstFrame;
     reader.readerParam2 = options.lastFrame;
     reader.mapFiles = options.mapFiles;
+    reader.limits = options.limits;
     parser.nameAffix = options.nameAffix.c_str();
     parser.affixIsSuffix = options.affixIsSuffix;
     parser.collectReferenceNames = options.collectReferences ? 1 : 0;
     parser.maxNestingDepth = options.maxNestingDepth;
+    parser.maxObjects = options.maxObjects;
   }
 
   void parse() {

@@ -30,6 +30,8 @@ struct SceneOptions {
   bool collectReferences = false;         ///< record references, so that filter() can rename them
   int maxNestingDepth = 10000;            ///< of brackets in expressions; 0: only the stack counts
   bool mapFiles = false;                  ///< map files instead of reading them
+  SourceLimits limits;                    ///< on bytes, includes and where those may lie
+  int64_t maxObjects = 0;                 ///< in the text; 0: no limit
 };
 
 /// Why a scene could not be read.

@@ -72,6 +72,9 @@ class TreeParser {
   /// How many brackets deep expressions may nest; 0: no count, only the thread's stack counts.
   int32_t maxNestingDepth = 10000;
 
+  /// How many objects a text may hold, those that are merged into others included; 0: no limit.
+  int64_t maxObjects = 0;
+
   // ---- treeparser.cpp: tokens and errors --------------------------------------------------------
 
   /// Moves to the next token and reads the one behind it, unless the input has ended. With

@@ -1,4 +1,6 @@
 // Programs, objects and properties.
+#include <string>
+
 #include "kelp/parser/referencerollback.h"
 
 namespace Kelp {
@@ -10,7 +12,10 @@ ProgramAST* TreeParser::parseProgram() {
   auto_ast<ProgramAST> program(new ProgramAST);
   const SourcesReader& reader = *scanner->reader;
   try {
-    while (!_at(TOKEN_END)) {
+    for (int64_t objects = 0; !_at(TOKEN_END); ++objects) {
+      if (maxObjects > 0 && objects >= maxObjects) {
+        _fail(Message::kTooManyObjects, std::to_string(maxObjects).c_str());
+      }
       auto_ast<ObjectAST> object(parseObject());
       try {
         program->addObject(object.get(), reader.readerParam1, reader.readerParam2, nullptr);

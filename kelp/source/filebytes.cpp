@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
@@ -17,16 +18,20 @@ namespace Kelp {
 
 namespace {
 
-[[noreturn]] void throwUnreadable(const std::string& path, int error) {
-  const std::string message = "Cannot read \"" + path + "\": " + std::strerror(error);
+[[noreturn]] void throwUnreadable(const std::string& path, const char* reason) {
+  const std::string message = "Cannot read \"" + path + "\": " + reason;
   throw InvalidSourceFile(CharString(message.c_str()));
+}
+
+[[noreturn]] void throwUnreadable(const std::string& path, int error) {
+  throwUnreadable(path, std::strerror(error));
 }
 
 // Closes a file descriptor at the end of a scope.
 class Descriptor {
  public:
-  explicit Descriptor(const std::string& path)
-      : number(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+  Descriptor(const std::string& path, int flags)
+      : number(::open(path.c_str(), O_RDONLY | O_CLOEXEC | flags)) {
     if (number < 0) throwUnreadable(path, errno);
   }
   Descriptor(const Descriptor&) = delete;
@@ -44,29 +49,33 @@ FileBytes& FileBytes::operator=(FileBytes&& other) noexcept {
   size = std::exchange(other.size, 0);
   device = other.device;
   inode = other.inode;
+  modified = other.modified;
   capacity = std::exchange(other.capacity, 0);
   mappedBytes = std::exchange(other.mappedBytes, 0);
   return *this;
 }
 
-FileBytes FileBytes::read(const std::string& path, bool map) {
-  const Descriptor file(path);
+FileBytes FileBytes::read(const std::string& path, const Request& request) {
+  // Opening a pipe that nobody writes to would wait for ever.
+  const Descriptor file(path, request.regularOnly ? O_NONBLOCK : 0);
   struct stat status;
   if (::fstat(file.number, &status) != 0) throwUnreadable(path, errno);
   if (S_ISDIR(status.st_mode)) throwUnreadable(path, EISDIR);
   const bool regular = S_ISREG(status.st_mode);
+  if (request.regularOnly && !regular) throwUnreadable(path, "not a regular file");
   const size_t fileSize = regular ? static_cast<size_t>(status.st_size) : 0;
   FileBytes bytes;
-  if (map && fileSize > 0) {
+  if (request.map && fileSize > 0) {
     bytes._map(file.number, fileSize, path);
   } else {
     // One more than the file has, so that its end is met without growing.
-    bytes = _allocate(fileSize + 1);
-    bytes._readAll(file.number, path);
+    bytes = _allocate(std::min(fileSize, request.atMost) + 1);
+    bytes._readAll(file.number, path, request.atMost);
   }
   if (regular) {
     bytes.device = status.st_dev;
     bytes.inode = status.st_ino;
+    bytes.modified = status.st_mtim;
   }
   return bytes;
 }
@@ -87,8 +96,8 @@ FileBytes FileBytes::_allocate(size_t capacity) {
   return bytes;
 }
 
-void FileBytes::_readAll(int descriptor, const std::string& path) {
-  for (;;) {
+void FileBytes::_readAll(int descriptor, const std::string& path, size_t atMost) {
+  while (size <= atMost) {
     if (size == capacity) {
       FileBytes larger = _allocate(capacity * 2 + 65536);
       std::memcpy(larger.data, data, size);

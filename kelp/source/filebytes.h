@@ -2,8 +2,10 @@
 #pragma once
 
 #include <sys/types.h>
+#include <time.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 namespace Kelp {
@@ -17,21 +19,29 @@ struct FileBytes {
   FileBytes& operator=(FileBytes&& other) noexcept;
   ~FileBytes() { _free(); }
 
-  /// The whole file, read or mapped. Pipes and devices are always read, to their end.
+  /// What to make of a file.
+  struct Request {
+    bool map = false;          ///< map it instead of reading; pipes and devices are always read
+    bool regularOnly = false;  ///< refuse pipes and devices, which may never end
+    size_t atMost = SIZE_MAX;  ///< stop reading when there are more bytes than that
+  };
+
+  /// The whole file; or one byte more than `atMost` or a little more, when there are so many.
   /// Throws InvalidSourceFile with the reason, or std::bad_alloc.
-  static FileBytes read(const std::string& path, bool map);
+  static FileBytes read(const std::string& path, const Request& request);
 
   /// A copy of a text in memory. Throws std::bad_alloc.
   static FileBytes copy(const char* text, size_t size);
 
   char* data = nullptr;
   size_t size = 0;
-  dev_t device = 0;  ///< with inode the identity of the file; both 0 for a copy
+  dev_t device = 0;  ///< with inode the identity of the file; both 0 for a copy, a pipe, a device
   ino_t inode = 0;
+  timespec modified = {};  ///< when the file was last written to
 
  private:
   static FileBytes _allocate(size_t capacity);
-  void _readAll(int descriptor, const std::string& path);
+  void _readAll(int descriptor, const std::string& path, size_t atMost);
   void _map(int descriptor, size_t fileSize, const std::string& path);
   void _free() noexcept;
 

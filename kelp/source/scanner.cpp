@@ -267,6 +267,11 @@ void Scanner::_scanString(Token& token, bool copyText) {
     }
   }
   auto length = static_cast<size_t>(stop - begin);
+  const int64_t longest = reader->limits.maxStringLength;
+  if (static_cast<int64_t>(length) > longest) {
+    _fail(start, "The string that begins" + onLine(start.line) + " has more than " +
+                     std::to_string(longest) + " characters");
+  }
   if (escaped) begin = _decodeString(begin, stop, &length);
   if (copyText) token.text.append(begin, static_cast<int64_t>(length));
   token.type = TOKEN_STRING;

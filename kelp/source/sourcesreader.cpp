@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -35,6 +36,16 @@ bool exists(const std::string& path) {
   return ::stat(path.c_str(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
 }
 
+// Whether a file lies in the folder or deeper, once links and dots are followed.
+bool isBelow(const std::string& path, const std::string& folder) {
+  std::error_code pathError;
+  std::error_code folderError;
+  const auto file = std::filesystem::weakly_canonical(path, pathError);
+  const auto root = std::filesystem::canonical(folder, folderError);
+  if (pathError || folderError) return false;
+  return std::mismatch(root.begin(), root.end(), file.begin(), file.end()).first == root.end();
+}
+
 [[noreturn]] void throwInvalidSource(const std::string& message) {
   throw InvalidSourceFile(CharString(message.c_str()));
 }
@@ -44,21 +55,82 @@ bool exists(const std::string& path) {
 struct SourcesReader::LoadedSource {
   Source source;
   FileBytes bytes;
+
+  int64_t size() const { return static_cast<int64_t>(bytes.size); }
+
+  // Whether that is still the state of the file that the bytes were read from.
+  bool isUnchanged(const struct stat& file) const {
+    return file.st_dev == bytes.device && file.st_ino == bytes.inode && file.st_size == size() &&
+           file.st_mtim.tv_sec == bytes.modified.tv_sec &&
+           file.st_mtim.tv_nsec == bytes.modified.tv_nsec;
+  }
 };
 
-SourcesReader::SourcesReader() { _start(&emptySource()); }
+SourcesReader::SourcesReader() : sceneSource(&emptySource()) {
+  position = {sceneSource, sceneSource->begin, sceneSource->begin, 1};
+}
 
 SourcesReader::~SourcesReader() = default;
 
-void SourcesReader::openFile(const char* path) { _start(_addFile(path)); }
+// ---- scenes ------------------------------------------------------------------------------------
+
+void SourcesReader::openFile(const char* path) { _start(_keep(_load(path, false, 0))); }
 
 void SourcesReader::openText(const char* text, int64_t length, const char* name) {
+  _checkBytes(length);
   auto loaded = std::make_unique<LoadedSource>();
   loaded->bytes = FileBytes::copy(text, static_cast<size_t>(length));
   loaded->source.name = CharString(name);
   loaded->source.directory = CharString(directoryOf(name).c_str());
-  _start(_addText(std::move(loaded)));
+  _start(_keep(std::move(loaded)));
 }
+
+void SourcesReader::_start(LoadedSource* loaded) {
+  includers.clear();
+  includes = 0;
+  sceneBytes = loaded->size();
+  totalBytes += loaded->size();
+  sceneSource = &loaded->source;
+  position = {sceneSource, sceneSource->begin, sceneSource->begin, 1};
+}
+
+std::unique_ptr<SourcesReader::LoadedSource> SourcesReader::_load(const std::string& path,
+                                                                  bool regularOnly,
+                                                                  int64_t bytesRead) const {
+  FileBytes::Request request;
+  request.map = mapFiles;
+  request.regularOnly = regularOnly;
+  if (limits.maxBytes > 0) request.atMost = static_cast<size_t>(limits.maxBytes - bytesRead);
+  auto loaded = std::make_unique<LoadedSource>();
+  loaded->bytes = FileBytes::read(path, request);
+  _checkBytes(bytesRead + loaded->size());
+  loaded->source.name = CharString(path.c_str());
+  loaded->source.directory = CharString(directoryOf(path.c_str()).c_str());
+  loaded->source.device = loaded->bytes.device;
+  loaded->source.inode = loaded->bytes.inode;
+  return loaded;
+}
+
+SourcesReader::LoadedSource* SourcesReader::_keep(std::unique_ptr<LoadedSource> loaded) {
+  Source& source = loaded->source;
+  source.begin = loaded->bytes.data;
+  source.end = source.begin + loaded->bytes.size;
+  if (std::strncmp(source.begin, "\xEF\xBB\xBF", 3) == 0) source.begin += 3;
+  sources.push_back(std::move(loaded));
+  return sources.back().get();
+}
+
+void SourcesReader::_checkBytes(int64_t bytes) const {
+  if (limits.maxBytes <= 0 || bytes <= limits.maxBytes) return;
+  throwInvalidSource("The scene has more than " + std::to_string(limits.maxBytes) + " bytes");
+}
+
+char* SourcesReader::keepText(size_t bytes) {
+  keptTexts.push_back(std::make_unique_for_overwrite<char[]>(bytes));
+  return keptTexts.back().get();
+}
+
+// ---- includes ----------------------------------------------------------------------------------
 
 void SourcesReader::addIncludePath(const char* directory) { includePaths.emplace_back(directory); }
 
@@ -67,7 +139,13 @@ void SourcesReader::enterInclude(const std::string& path) {
     throwInvalidSource("Files are included more than " + std::to_string(kMaxFiles) + " deep at \"" +
                        path + "\"");
   }
-  const Source* included = _addFile(_resolveInclude(path));
+  // Files that each include the next one twice would go on for ever without being deep.
+  if (limits.maxIncludes > 0 && includes >= limits.maxIncludes) {
+    throwInvalidSource("The scene includes more than " + std::to_string(limits.maxIncludes) +
+                       " files");
+  }
+  LoadedSource* loaded = _openInclude(_resolveInclude(path));
+  const Source* included = &loaded->source;
   const auto sameFile = [included](const Source* open) {
     return open->inode != 0 && open->inode == included->inode && open->device == included->device;
   };
@@ -77,6 +155,9 @@ void SourcesReader::enterInclude(const std::string& path) {
     throwInvalidSource("File \"" + std::string(included->name.chars()) + "\" includes itself");
   }
   includers.push_back(position);
+  ++includes;
+  sceneBytes += loaded->size();
+  totalBytes += loaded->size();
   position = {included, included->begin, included->begin, 1};
 }
 
@@ -87,37 +168,26 @@ bool SourcesReader::leaveInclude() {
   return true;
 }
 
-char* SourcesReader::keepText(size_t bytes) {
-  keptTexts.push_back(std::make_unique_for_overwrite<char[]>(bytes));
-  return keptTexts.back().get();
-}
-
-void SourcesReader::_start(const Source* source) {
-  includers.clear();
-  position = {source, source->begin, source->begin, 1};
-}
-
-const Source* SourcesReader::_addFile(const std::string& path) {
-  auto loaded = std::make_unique<LoadedSource>();
-  loaded->bytes = FileBytes::read(path, mapFiles);
-  loaded->source.name = CharString(path.c_str());
-  loaded->source.directory = CharString(directoryOf(path.c_str()).c_str());
-  loaded->source.device = loaded->bytes.device;
-  loaded->source.inode = loaded->bytes.inode;
-  return _addText(std::move(loaded));
-}
-
-const Source* SourcesReader::_addText(std::unique_ptr<LoadedSource> loaded) {
-  Source& source = loaded->source;
-  source.begin = loaded->bytes.data;
-  source.end = source.begin + loaded->bytes.size;
-  if (std::strncmp(source.begin, "\xEF\xBB\xBF", 3) == 0) source.begin += 3;
-  sources.push_back(std::move(loaded));
-  totalBytes += static_cast<int64_t>(sources.back()->bytes.size);
-  return &source;
+// The file at that path; its bytes of the last time when it has not changed since.
+SourcesReader::LoadedSource* SourcesReader::_openInclude(const std::string& path) {
+  LoadedSource*& known = includedBefore[path];
+  struct stat status;
+  if (known != nullptr && ::stat(path.c_str(), &status) == 0 && known->isUnchanged(status)) {
+    _checkBytes(sceneBytes + known->size());
+    return known;
+  }
+  return known = _keep(_load(path, true, sceneBytes));
 }
 
 std::string SourcesReader::_resolveInclude(const std::string& path) const {
+  const std::string found = _findInclude(path);
+  if (limits.confine && !_isConfined(found)) {
+    throwInvalidSource("File \"" + found + "\" lies outside the scene's folder");
+  }
+  return found;
+}
+
+std::string SourcesReader::_findInclude(const std::string& path) const {
   if (path.empty()) throwInvalidSource("#include needs the name of a file");
   const std::filesystem::path wanted(path);
   if (wanted.is_absolute()) return path;
@@ -129,6 +199,13 @@ std::string SourcesReader::_resolveInclude(const std::string& path) const {
     if (exists(candidate)) return candidate;
   }
   return first;  // reading it says what is wrong
+}
+
+// Links count as what they point to. Whether a file exists makes no difference to the answer.
+bool SourcesReader::_isConfined(const std::string& path) const {
+  if (isBelow(path, sceneSource->directory.chars())) return true;
+  return std::any_of(includePaths.begin(), includePaths.end(),
+                     [&path](const std::string& folder) { return isBelow(path, folder); });
 }
 
 }  // namespace Kelp

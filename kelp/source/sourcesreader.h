@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "kelp/utils/charstring.h"
@@ -31,6 +32,14 @@ struct SourcePosition {
   int line = 1;
 };
 
+/// What a reader refuses to read. Texts that are not to be trusted need tighter ones.
+struct SourceLimits {
+  int64_t maxBytes = 0;          ///< of all files of a scene, again for every include; 0: no limit
+  int64_t maxIncludes = 100000;  ///< #include lines that are followed in a scene; 0: no limit
+  int64_t maxStringLength = INT32_MAX - 1;  ///< characters between quotes; nodes count in int
+  bool confine = false;  ///< included files lie below the scene's own folder or an include path
+};
+
 /// Owns the bytes of every file of a scene until it is destroyed: nodes that hold a long text
 /// refer to them. Used by one thread at a time.
 class SourcesReader {
@@ -48,7 +57,7 @@ class SourcesReader {
   void openFile(const char* path);
 
   /// Starts reading a scene from a copy of `length` bytes of text. `name` (may be null) stands in
-  /// messages and gives the directory that includes are looked up in. Throws std::bad_alloc.
+  /// messages and gives the directory that includes are looked up in. Throws as openFile does.
   void openText(const char* text, int64_t length, const char* name);
 
   /// Adds a directory to look up included files in, after that of the including file.
@@ -71,14 +80,16 @@ class SourcesReader {
   /// True: files opened from now on are mapped.
   bool mapFiles = false;
 
+  SourceLimits limits;
+
   // ---- for the scanner ----
 
   /// Where reading goes on. The scanner moves it.
   SourcePosition position;
 
   /// Goes on at the start of an included file; what is left of the present one follows later.
-  /// Throws InvalidSourceFile when the file cannot be found or read, includes itself, or is one too
-  /// many, and then the position has not changed.
+  /// Pipes and devices cannot be included. Throws InvalidSourceFile when the file cannot be found
+  /// or read, includes itself, or breaks a limit, and then the position has not changed.
   void enterInclude(const std::string& path);
 
   /// At the end of an included file: back to the file that included it. False in the scene's own.
@@ -87,22 +98,31 @@ class SourcesReader {
   /// Room for `bytes` characters that lives as long as the reader.
   char* keepText(size_t bytes);
 
-  /// Total bytes of the files and texts opened so far.
+  /// Total bytes of the files and texts opened so far, again for every include.
   int64_t bytesRead() const { return totalBytes; }
 
  private:
   struct LoadedSource;
 
-  void _start(const Source* source);
-  const Source* _addFile(const std::string& path);
-  const Source* _addText(std::unique_ptr<LoadedSource> loaded);
+  void _start(LoadedSource* loaded);
+  LoadedSource* _openInclude(const std::string& path);
+  std::unique_ptr<LoadedSource> _load(const std::string& path, bool regularOnly,
+                                      int64_t bytesRead) const;
+  LoadedSource* _keep(std::unique_ptr<LoadedSource> loaded);
+  void _checkBytes(int64_t bytes) const;
   std::string _resolveInclude(const std::string& path) const;
+  std::string _findInclude(const std::string& path) const;
+  bool _isConfined(const std::string& path) const;
 
   std::vector<std::unique_ptr<LoadedSource>> sources;
+  std::unordered_map<std::string, LoadedSource*> includedBefore;  // by path
   std::vector<std::unique_ptr<char[]>> keptTexts;
   std::vector<SourcePosition> includers;  // innermost last
   std::vector<std::string> includePaths;
+  const Source* sceneSource = nullptr;
   int64_t totalBytes = 0;
+  int64_t sceneBytes = 0;  // the part of them that belongs to this scene
+  int64_t includes = 0;    // followed in this scene
 };
 
 }  // namespace Kelp

@@ -57,6 +57,8 @@ const MessageRow kBracketRows[] = {
 };
 
 const MessageRow kRows[] = {
+    {Message::kTooManyObjects, "3", "A a {} A a {} A b {} A c {}",
+     "The scene has more than 3 objects"},
     {Message::kExpectedIdentifier, nullptr, "5 {}", "Expected identifier"},
     {Message::kObjectBegin, nullptr, "A a x", "expected a \"{\" at beginning of object definition"},
     {Message::kObjectEnd, nullptr, "A a {", "expected a \"{\" at end of object definition"},
@@ -137,6 +139,7 @@ const MessageRow kRows[] = {
 };
 
 constexpr int kDepthForTheRows = 2;
+constexpr int kObjectsForTheRows = 3;
 
 void expectMessage(const MessageRow& row, bool loseBrackets) {
   SCOPED_TRACE(row.scene);
@@ -145,6 +148,7 @@ void expectMessage(const MessageRow& row, bool loseBrackets) {
   WatchedScanner scanner(&reader);
   TreeParser parser(&scanner);
   parser.maxNestingDepth = kDepthForTheRows;
+  parser.maxObjects = kObjectsForTheRows;
   if (loseBrackets) {
     scanner.before = [&parser](int) {
       Token& token = parser._currentToken();

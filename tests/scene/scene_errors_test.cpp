@@ -248,3 +248,23 @@ TEST(SceneErrors, MessageWithALongTokenIsWhole) {
   EXPECT_EQ(scene.error().message, "Functor \"" + text + "\" not recognized");
   EXPECT_EQ(scene.error().column, 11);
 }
+
+TEST(SceneErrors, LimitsAreReportedAsErrorsOfTheText) {
+  SceneOptions options;
+  options.maxObjects = 2;
+  EXPECT_TRUE(Scene::fromText("A a {} A a {}", options));
+  const Scene three = Scene::fromText("A a {} A a {}\n A a {}", options);
+  EXPECT_EQ(three.error().kind, SceneError::Kind::kInvalid);
+  EXPECT_EQ(three.error().message, "The scene has more than 2 objects");
+  EXPECT_EQ(three.error().position(), "<text>:2:2");
+}
+
+TEST(SceneErrors, SceneOfTooManyBytesIsUnreadable) {
+  SceneOptions options;
+  options.limits.maxBytes = 6;
+  EXPECT_TRUE(Scene::fromText("A a {}", options));
+  const Scene longer = Scene::fromText("A ab {}", "a.scene", options);
+  EXPECT_EQ(longer.error().kind, SceneError::Kind::kUnreadable);
+  EXPECT_EQ(longer.error().message, "The scene has more than 6 bytes");
+  EXPECT_EQ(longer.error().position(), "a.scene");
+}

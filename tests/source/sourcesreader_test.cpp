@@ -276,7 +276,7 @@ TEST(FileBytes, MoveLeavesNothingBehind) {
   const TemporaryFiles files;
   const std::string path = files.write("a", "abc");
   for (const bool map : {false, true}) {
-    FileBytes bytes = FileBytes::read(path, map);
+    FileBytes bytes = FileBytes::read(path, {.map = map});
     FileBytes other = FileBytes::copy("xy", 2);
     other = std::move(bytes);
     EXPECT_EQ(std::string(other.data, other.size), "abc");
