@@ -125,8 +125,8 @@ void Scanner::_skipToToken() {
         position.at = at;
         break;
       case CharacterClass::kNewline:
-        position.at = position.lineStart = at + 1;
-        ++position.line;
+        position.at = at + 1;
+        position.beginLine(at + 1);
         break;
       case CharacterClass::kSlash:
         if (at[1] == '/') {
@@ -167,8 +167,7 @@ void Scanner::_skipBlockComment() {
   SourcePosition& position = reader->position;
   for (const char* at = start.at + 2;; ++at) {
     if (*at == '\n') {
-      position.lineStart = at + 1;
-      ++position.line;
+      position.beginLine(at + 1);
     } else if (*at == '*' && at[1] == '/') {
       position.at = at + 2;
       return;
@@ -184,8 +183,10 @@ bool Scanner::_skipInclude() {
   static constexpr char kWord[] = "#include";
   constexpr size_t kWordLength = sizeof kWord - 1;
   SourcePosition& position = reader->position;
-  // Before the look back: marks behind a wide indent would each walk over it.
   if (std::strncmp(position.at, kWord, kWordLength) != 0) return false;
+  // Before the look back: words behind a wide indent would each walk over it.
+  const SourcePosition& last = starts[0];
+  if (last.lineStart == position.lineStart && last.at < position.at) return false;
   for (const char* before = position.lineStart; before < position.at; ++before) {
     if (!isBlank(*before)) return false;
   }
@@ -259,8 +260,7 @@ void Scanner::_scanString(Token& token, bool copyText) {
       escaped = escaped || escape;
       stop += escape ? 2 : 1;
     } else if (*stop == '\n') {
-      position.lineStart = ++stop;
-      ++position.line;
+      position.beginLine(++stop);
     } else {
       if (stop != start.source->end) _fail(start, "NUL byte" + onLine(position.line));
       _fail(start, "The string that begins" + onLine(start.line) + " never ends");
@@ -320,7 +320,8 @@ SourceLocation Scanner::locate(int back) const {
   location.column = 1;
   for (const char* at = start.lineStart; at < start.at; ++at) {
     // Every byte but the continuation bytes 10xxxxxx starts a character.
-    if ((static_cast<unsigned char>(*at) & 0xC0U) != 0x80U) ++location.column;
+    const bool begins = (static_cast<unsigned char>(*at) & 0xC0U) != 0x80U;
+    if (begins && location.column < INT32_MAX) ++location.column;
   }
   const char* end = start.at;
   while (end < start.source->end && *end != '\n') ++end;

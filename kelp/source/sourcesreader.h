@@ -24,12 +24,18 @@ struct Source {
   ino_t inode = 0;
 };
 
-/// A place in a source. Lines count from 1 and end at LF.
+/// A place in a source. Lines count from 1 and end at LF; from the 2,147,483,647th on they all
+/// bear that number.
 struct SourcePosition {
   const Source* source = nullptr;
   const char* at = nullptr;
   const char* lineStart = nullptr;
   int line = 1;
+
+  void beginLine(const char* start) {
+    lineStart = start;
+    if (line < INT32_MAX) ++line;
+  }
 };
 
 /// What a reader refuses to read. Texts that are not to be trusted need tighter ones.

@@ -223,3 +223,18 @@ TEST_F(ReaderLimits, StringLongerThanAllowedFailsWhereItBegins) {
   EXPECT_EQ(scanner.locate(0).line, 2);
   EXPECT_EQ(scanner.locate(0).column, 2);
 }
+
+// ---- lines -------------------------------------------------------------------------------------
+
+TEST_F(ReaderLimits, LinesThatNoIntCanCountBearTheLastNumber) {
+  reader.openText("a\n b\n\"\n\" c", 10, "text");
+  Token token;
+  scanner.scan(token);
+  reader.position.line = 2147483646;
+  scanner.scan(token);
+  EXPECT_EQ(reader.getCurrentLine(), 2147483647);
+  scanner.scan(token);
+  scanner.scan(token);
+  EXPECT_EQ(token.getSpelling(), std::string("c"));
+  EXPECT_EQ(reader.getCurrentLine(), 2147483647);
+}
