@@ -21,6 +21,31 @@ std::set<std::string> subjects() {
   return words;
 }
 
+// What an S-expression refers to, sorted: the names behind "(ref ", "(prop " and "(rt ".
+std::vector<std::string> referencesIn(const std::string& tree) {
+  std::vector<std::string> names;
+  for (const std::string head : {"(ref \"", "(prop \"", "(rt \""}) {
+    for (size_t at = tree.find(head); at != std::string::npos; at = tree.find(head, at + 1)) {
+      const size_t name = at + head.size();
+      names.push_back(tree.substr(name, tree.find('"', name) - name));
+    }
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+std::vector<std::string> recordedReferences(const std::string& name) {
+  CorpusParser source(name);
+  source.parser.collectReferenceNames = 1;
+  const Kelp::auto_ast<Kelp::ProgramAST> program(source.parser.parseProgram());
+  std::vector<std::string> names;
+  for (int i = 0; i < source.parser.referenceNames.count; ++i) {
+    names.emplace_back(source.parser.referenceNames.data[i]->chars());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
 class GoodCorpus : public testing::TestWithParam<std::string> {};
 
 std::string testName(const testing::TestParamInfo<std::string>& info) { return info.param; }
@@ -30,6 +55,12 @@ std::string testName(const testing::TestParamInfo<std::string>& info) { return i
 TEST_P(GoodCorpus, TheTreesAreThoseWrittenByHand) {
   for (const std::string& name : corpusNames(("y_" + GetParam() + "_").c_str())) {
     EXPECT_EQ(corpusTree(name), corpusText(name, ".golden")) << name;
+  }
+}
+
+TEST_P(GoodCorpus, TheReferencesOfTheTreeAreRecorded) {
+  for (const std::string& name : corpusNames(("y_" + GetParam() + "_").c_str())) {
+    EXPECT_EQ(recordedReferences(name), referencesIn(corpusText(name, ".golden"))) << name;
   }
 }
 
