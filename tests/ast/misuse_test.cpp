@@ -42,7 +42,7 @@ void returnTwice(Pool<Node>& pool, size_t twice) {
 }
 
 TEST(MisuseDeathTest, ElementReturnedTwice) {
-  for (const size_t place : {0, 1, 5, 9}) {  // the last, some and the first on the free list
+  for (const size_t place : {0U, 1U, 5U, 9U}) {  // the last, some and the first on the free list
     const auto misuse = [place] {
       Pool<Node> pool;
       returnTwice(pool, place);
