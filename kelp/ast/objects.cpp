@@ -1,5 +1,6 @@
 #include "kelp/ast/objects.h"
 
+#include <cassert>
 #include <cstring>
 
 #include "kelp/ast/auto_ast.h"
@@ -29,6 +30,7 @@ void ObjectAST::deleteThis() {
 }
 
 void ObjectAST::addProperty(PropertyAST* property, double t1, double t2) {
+  assert(property != lastProperty && "a property is added twice");
   auto_ast<PropertyAST> guard(property);
   if (t1 != 0.0 || t2 != 0.0) {
     property->records = new PropertyRecord{t1, t2, property->records};
@@ -40,6 +42,7 @@ void ObjectAST::addProperty(PropertyAST* property, double t1, double t2) {
 }
 
 void ObjectAST::merge(ObjectAST* newcomer, double, double) noexcept {
+  assert(newcomer != this && "an object is merged into itself");
   if (newcomer->firstProperty == nullptr) return;
   (lastProperty != nullptr ? lastProperty->next : firstProperty) = newcomer->firstProperty;
   lastProperty = newcomer->lastProperty;

@@ -5,6 +5,8 @@
 // constants, and the pools themselves are constructed ahead of all static objects of ordinary
 // priority.
 
+#include "kelp/ast/pools.h"
+
 #include <new>
 
 #include "kelp/ast/expressions.h"
@@ -63,5 +65,21 @@ constinit Pool<InterpolateExpressionAST>& InterpolateExpressionAST::pool =
 constinit Pool<KeyList>& KeyList::pool = storage<KeyList>.pool;
 constinit Pool<ObjectAST>& ObjectAST::pool = storage<ObjectAST>.pool;
 constinit Pool<PropertyAST>& PropertyAST::pool = storage<PropertyAST>.pool;
+
+void trimPools() noexcept {
+  StringExpressionAST::pool.forEachFree([](StringExpressionAST& node) {
+    node.directory.freeMem();
+    node.text.freeMem();
+  });
+  ObjectReferenceAST::pool.forEachFree([](ObjectReferenceAST& node) { node.name.freeMem(); });
+  ObjectAST::pool.forEachFree([](ObjectAST& object) {
+    object.type.freeMem();
+    object.name.freeMem();
+  });
+  PropertyAST::pool.forEachFree([](PropertyAST& property) {
+    property.name.freeMem();
+    property.file.freeMem();
+  });
+}
 
 }  // namespace Kelp

@@ -10,7 +10,9 @@ class ScenePluginFilter {
  public:
   /// Called once for every object. Non-zero keeps the object, zero filters it out. Assigning
   /// another text to `name` renames the object; `extra` is the object's field of that name.
-  /// Must not keep the references and must not change or release the program. What it throws
+  /// May look at the program but not change it: addObject, mergeProgram, updateName and doFilter on
+  /// the program being filtered throw ExceptionMsg, deleteThis takes effect when doFilter ends.
+  /// Must not keep the references and must not destroy the parser or the scene. What it throws
   /// passes through doFilter.
   virtual int acceptObject(const CharString& type, CharString& name, void* extra) = 0;
 

@@ -39,6 +39,7 @@ class TreeParser {
   /// names. Null for the filter does nothing. Requires: the programs whose references this parser
   /// recorded are still alive. What the filter throws passes through, as do ExceptionMsg and
   /// std::bad_alloc; objects seen so far then keep their new names, references the old ones.
+  /// Throws ExceptionMsg at once when called by a filter that runs over the same program.
   void doFilter(ProgramAST* program, ScenePluginFilter* filter);
 
   // ---- settings, for the owner to change before the parse --------------------------------------
@@ -114,6 +115,9 @@ class TreeParser {
 
   ExpressionAST* _parseCall();
 
+  /// A call of the function with that id, which takes numArgs arguments.
+  ExpressionAST* _parseBuiltinCall(int function, int numArgs);
+
   // ---- treeparser_numbers.cpp: number literals --------------------------------------------------
 
   /// An optionally signed number literal.
@@ -152,7 +156,6 @@ class TreeParser {
   void _recordReference(CharString* name);
 
   // treeparser_calls.cpp
-  ExpressionAST* _parseBuiltinCall(int function, int numArgs);
   ExpressionAST* _parseList(const char* name);
   ExpressionAST* _parseInterpolate(const char* name);
   void _parsePair(InterpolateExpressionAST* table);

@@ -1,4 +1,5 @@
 // What looks like a call: builtin functions, lists, interpolation, and the table of all forms.
+#include <algorithm>
 #include <cstring>
 
 #include "kelp/parser/treeparser.h"
@@ -49,6 +50,8 @@ ExpressionAST* TreeParser::_parseBuiltinCall(int function, int numArgs) {
   _expect(TOKEN_LPAREN, Message::kFunctionBegin);
   auto_ast<BuiltinFunctionAST> node(new BuiltinFunctionAST);
   node->funcID = function;
+  // Whatever a table of functions says: the node has room for no more.
+  numArgs = std::clamp(numArgs, 0, BuiltinFunctionAST::kMaxArgs);
   if (function == BuiltinFunctionAST::kRandom || function == BuiltinFunctionAST::kRandomInt) {
     node->seed = BuiltinFunctionAST::rndGen.drawSeed();
   }

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "kelp/parser/treeparser.h"
+#include "kelp/utils/exclusiveuse.h"
 
 namespace Kelp {
 
@@ -37,6 +38,8 @@ void renameReferences(const Table<CharString*, 100>& referenceNames, const Renam
 
 void TreeParser::doFilter(ProgramAST* program, ScenePluginFilter* filter) {
   if (filter == nullptr) return;
+  const ExclusiveUse use;
+  const ProgramAST::FilterRun run(program);
   RenameMap renames;
   for (ObjectAST* object = program->firstObject; object != nullptr; object = object->next) {
     CharString name = object->name;

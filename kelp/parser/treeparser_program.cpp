@@ -2,11 +2,13 @@
 #include <string>
 
 #include "kelp/parser/referencerollback.h"
+#include "kelp/utils/exclusiveuse.h"
 
 namespace Kelp {
 
 ProgramAST* TreeParser::parseProgram() {
   // program := { object } end
+  const ExclusiveUse use;
   scanAheadToken(false);
   ReferenceRollback references(referenceNames);
   auto_ast<ProgramAST> program(new ProgramAST);

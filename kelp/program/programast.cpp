@@ -1,5 +1,6 @@
 #include "kelp/program/programast.h"
 
+#include <cassert>
 #include <climits>
 #include <cstring>
 #include <memory>
@@ -62,6 +63,8 @@ ObjectAST* ProgramAST::_findTyped(ObjectAST* object) {
 
 void ProgramAST::addObject(ObjectAST* object, double t1, double t2,
                            Table<ObjectAST*, 100>* mergedObjects) {
+  _refuseDuringFilter("addObject");
+  assert(!_isListed(object) && "an object is added twice");
   if (ObjectAST* existing = _findTyped(object)) {
     // Reported first, being the only step that can fail: afterwards the newcomer is gone.
     if (mergedObjects != nullptr) *mergedObjects += existing;
@@ -80,6 +83,8 @@ void ProgramAST::addObject(ObjectAST* object, double t1, double t2,
 void ProgramAST::mergeProgram(ProgramAST* other, double t1, double t2,
                               Table<ObjectAST*, 100>* mergedObjects) {
   if (other == this) return;
+  _refuseDuringFilter("mergeProgram");
+  other->_refuseDuringFilter("mergeProgram");
   // The other program's maps speak of objects that leave it, so they are emptied first; each object
   // is taken off its list before it is handed over, so that it never has two owners.
   other->typedObjects.clear();
@@ -101,6 +106,7 @@ void ProgramAST::mergeProgram(ProgramAST* other, double t1, double t2,
 }
 
 void ProgramAST::updateName(const CharString& oldName, CharString& newName) {
+  _refuseDuringFilter("updateName");
   if (namedObjects.find(oldName.chars()) == nullptr) return;
   sharedNames.push_back(newName);
   _moveName(oldName, newName);
@@ -121,6 +127,10 @@ ObjectAST* ProgramAST::getObject(const char* name) const {
 }
 
 void ProgramAST::deleteThis() {
+  if (isFiltered) {
+    isReleasedAfterFilter = true;
+    return;
+  }
   for (ObjectAST* object = firstObject; object != nullptr;) {
     ObjectAST* following = object->next;
     object->deleteThis();
@@ -128,6 +138,30 @@ void ProgramAST::deleteThis() {
   }
   firstObject = nullptr;
   delete this;
+}
+
+ProgramAST::FilterRun::FilterRun(ProgramAST* filtered) : program(filtered) {
+  program->_refuseDuringFilter("doFilter");
+  program->isFiltered = true;
+}
+
+ProgramAST::FilterRun::~FilterRun() {
+  program->isFiltered = false;
+  if (program->isReleasedAfterFilter) program->deleteThis();
+}
+
+void ProgramAST::_refuseDuringFilter(const char* operation) const {
+  if (isFiltered) {
+    throw ExceptionMsg("[ProgramAST] %s: a filter is running over the program", operation);
+  }
+}
+
+// Whether the object is among those added last; a long list is not walked for every object.
+bool ProgramAST::_isListed(const ObjectAST* object) const {
+  constexpr int kWalked = 64;
+  const ObjectAST* listed = firstObject;
+  for (int i = 0; i < kWalked && listed != nullptr && listed != object; ++i) listed = listed->next;
+  return listed == object;
 }
 
 std::vector<ObjectAST*> objectsInTextOrder(const ProgramAST& program) {

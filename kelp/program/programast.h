@@ -19,6 +19,9 @@ void getNameTypeKey(ObjectAST* const& object, char* buffer, int bufferSize);
 ///
 /// Memory can run out in every operation that adds (ExceptionMsg or std::bad_alloc); what the
 /// program holds then is destroyed with it as usual.
+///
+/// While a filter runs over the program, addObject, mergeProgram and updateName throw ExceptionMsg
+/// and change nothing.
 class ProgramAST final : public AST {
  public:
   using ObjectMap = HashMap<ObjectAST*, 0, 1024, 0>;
@@ -29,7 +32,7 @@ class ProgramAST final : public AST {
   /// newcomer's properties are merged into it (t1 and t2 go to ObjectAST::merge), the newcomer is
   /// released and the older object appended to `mergedObjects` (may be null). When this throws, the
   /// program owns the object if it is firstObject, else it is still the caller's.
-  /// Requires: the object is not in this program already.
+  /// Requires: the object is in no program already.
   void addObject(ObjectAST* object, double t1, double t2, Table<ObjectAST*, 100>* mergedObjects);
 
   /// Moves all objects of `other` here, newest first, each as addObject would. The other program
@@ -50,8 +53,21 @@ class ProgramAST final : public AST {
   /// `name` is null.
   ObjectAST* getObject(const char* name) const;
 
-  /// Releases the program and all its objects.
+  /// Releases the program and all its objects; while a filter runs over it, at the end of that run.
   void deleteThis() override;
+
+  /// A filter's run over a program; it lasts as long as this lives.
+  class FilterRun {
+   public:
+    /// Throws ExceptionMsg when a filter runs over that program already.
+    explicit FilterRun(ProgramAST* filtered);
+    FilterRun(const FilterRun&) = delete;
+    FilterRun& operator=(const FilterRun&) = delete;
+    ~FilterRun();
+
+   private:
+    ProgramAST* program;
+  };
 
   ObjectMap typedObjects;            ///< by type and name
   ObjectMap namedObjects;            ///< by name, borrowed from the objects; the first holder only
@@ -60,8 +76,12 @@ class ProgramAST final : public AST {
 
  private:
   ObjectAST* _findTyped(ObjectAST* object);
+  void _refuseDuringFilter(const char* operation) const;
+  bool _isListed(const ObjectAST* object) const;
 
   std::vector<CharString> sharedNames;  // keeps the names given to updateName alive
+  bool isFiltered = false;              // a filter runs over the program
+  bool isReleasedAfterFilter = false;   // deleteThis was called during that run
 };
 
 /// The objects of a program in the order of the text: oldest first. They stay the program's.

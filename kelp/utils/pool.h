@@ -6,6 +6,8 @@
 // Nothing here locks; a pool belongs to one thread at a time.
 #pragma once
 
+#include <cassert>
+#include <climits>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -97,6 +99,9 @@ class _Sequence {
     bytes = 0;
   }
 
+  /// Whether `more` elements can be counted in an int on top of those handed out.
+  static constexpr bool isCountable(int handedOut, int more) { return handedOut <= INT_MAX - more; }
+
   /// Elements handed out since the sequence was made or restarted.
   int liveCount() const { return handedOut; }
   int blockCount() const {
@@ -109,7 +114,9 @@ class _Sequence {
 
  private:
   [[gnu::noinline]] void _appendBlock() {
-    void* header = ::operator new(sizeof(Block), std::nothrow);
+    // All blocks are full here, so no count of elements ever passes INT_MAX.
+    const bool countable = isCountable(handedOut, elementsPerBlock);
+    void* header = countable ? ::operator new(sizeof(Block), std::nothrow) : nullptr;
     E* elements = header != nullptr ? Allocator::allocate(elementsPerBlock) : nullptr;
     if (elements == nullptr) {
       ::operator delete(header);
@@ -161,8 +168,11 @@ class Pool {
   }
 
   /// Takes back an element of this pool. It is not destroyed and keeps its field values.
+  /// Requires: it is in use (builds with assertions check).
   void freeElement(T* element) noexcept {
     auto* returned = static_cast<PoolElement<T>*>(element);
+    assert(!_isFree(returned) && "an element is returned to its pool twice");
+    if (freeList == nullptr) oldestFree = returned;
     returned->nextFree = freeList;
     freeList = returned;
     --live;
@@ -174,10 +184,23 @@ class Pool {
   /// Bytes of all blocks, headers included.
   int64_t bytesAllocated() const { return sequence.bytesAllocated(); }
 
+  /// Calls use(element) for every returned element, the last returned first.
+  template <class Use>
+  void forEachFree(Use use) {
+    for (auto* element = freeList; element != nullptr; element = element->nextFree) use(*element);
+  }
+
  private:
+  bool _isFree(const PoolElement<T>* element) const {
+    return element->nextFree != nullptr || (freeList != nullptr && element == oldestFree);
+  }
+
   PoolElement<T>* freeList = nullptr;
   int live = 0;
   _Sequence<PoolElement<T>, BlockSize, true, false, Allocator> sequence;
+  // The end of the free list, the one free element without a link. Kept in every build, so that
+  // library and host may be built with and without assertions.
+  const PoolElement<T>* oldestFree = nullptr;
 };
 
 /// An element of a SimplePool; while it is free, its first word links the free list.
