@@ -59,8 +59,8 @@ class Balance {
   // With a node class: all of its free nodes may have been taken.
   template <class Node = void>
   static Balance of(const Workload& workload) {
-    return Balance([bytes = workload.sceneBytes] {
-      dropTexts<StringExpressionAST, ObjectReferenceAST, ObjectAST, PropertyAST>(bytes);
+    return Balance([most = workload.mostNodes] {
+      dropTexts<StringExpressionAST, ObjectReferenceAST, ObjectAST, PropertyAST>(most);
       if constexpr (!std::is_void_v<Node>) dropTexts<Node>(INT_MAX);
     });
   }
@@ -146,13 +146,12 @@ Points failEveryPoint(const Workload& workload, int64_t points, const Effort& ef
     bool failed = true;
     for (int64_t n = stride.first; failed && n <= points + stride.step; n += stride.step) {
       SCOPED_TRACE(workload.name + (persistent ? ", from point " : ", point ") + std::to_string(n));
-      const Balance balance = Balance::of(workload);
-      Ending ending;
-      failed = failsOnce(
-          workload, [&] { return fail(n, persistent); }, &ending);
+      expectLeavesNothing(workload, [&] {
+        Ending ending;
+        failed = failsOnce(
+            workload, [&] { return fail(n, persistent); }, &ending);
+      });
       if (failed) ++failures;
-      expectSuccess(workload);
-      balance.expectKept(0);
       if (testing::Test::HasFailure()) return run;
     }
     EXPECT_GT(failures, 0) << workload.name << " never failed";
@@ -210,8 +209,15 @@ Points& Points::operator+=(const Points& more) {
 }
 
 void Points::report(const std::string& layer, const std::string& kind) const {
-  reportFigure(layer, grouped(failures) + " " + kind + " in two modes, " + grouped(sceneBytes) +
-                          " bytes of scenes");
+  const std::string bytes = sceneBytes > 0 ? ", " + grouped(sceneBytes) + " bytes of scenes" : "";
+  reportFigure(layer, grouped(failures) + " " + kind + " in two modes" + bytes);
+}
+
+void expectLeavesNothing(const Workload& unharmed, const std::function<void()>& run) {
+  const Balance balance = Balance::of(unharmed);
+  run();
+  expectSuccess(unharmed);
+  balance.expectKept(0);
 }
 
 Points failEveryRequest(const Workload& workload, const Effort& effort) {

@@ -6,6 +6,8 @@
 #include <memory>
 #include <string>
 
+#include "tests/exhaustion/scenes.h"
+
 namespace KelpTest {
 
 /// One run of something that a host does. It is made and destroyed while nothing fails.
@@ -26,13 +28,22 @@ class Operation {
 /// How to make an operation anew for every point.
 struct Workload {
   std::string name;
-  int64_t sceneBytes;  ///< size of the text that it works on
+  int64_t mostNodes;       ///< nodes of one class that it takes, or more
+  int64_t sceneBytes = 0;  ///< size of the text that it works on
   std::function<std::unique_ptr<Operation>()> make;
 };
 
 template <class Made, class... Arguments>
-Workload workload(const std::string& name, int64_t sceneBytes, const Arguments&... arguments) {
-  return {name, sceneBytes, [arguments...] { return std::make_unique<Made>(arguments...); }};
+Workload workload(const std::string& name, int64_t mostNodes, const Arguments&... arguments) {
+  return {name, mostNodes, 0, [arguments...] { return std::make_unique<Made>(arguments...); }};
+}
+
+/// An operation on a text. Every node takes at least a character.
+template <class Made, class... Arguments>
+Workload workloadOn(const NamedScene& scene, const Arguments&... arguments) {
+  const auto size = static_cast<int64_t>(scene.text.size());
+  return {scene.name, size, size,
+          [scene, arguments...] { return std::make_unique<Made>(scene, arguments...); }};
 }
 
 /// What was run.
@@ -49,6 +60,9 @@ struct Points {
 struct Effort {
   int64_t everydayPoints = 40;  ///< about so many a workload and mode
 };
+
+/// Expects that `run` leaves nothing behind and that the same, unharmed, succeeds afterwards.
+void expectLeavesNothing(const Workload& unharmed, const std::function<void()>& run);
 
 /// Lets every heap request of the workload fail in turn, alone and with all that follow. Expects
 /// after each failure that nothing is left behind and that the same, unharmed, succeeds.

@@ -123,8 +123,9 @@ std::vector<Workload> parsesOf(const std::vector<NamedScene>& scenes) {
   std::vector<Workload> parses;
   for (const NamedScene& scene : scenes) {
     const auto known = std::make_shared<const KnownScene>(scene);
-    parses.push_back({scene.name, static_cast<int64_t>(scene.text.size()),
-                      [known] { return std::make_unique<ParseOperation>(*known); }});
+    const auto size = static_cast<int64_t>(scene.text.size());
+    parses.push_back(
+        {scene.name, size, size, [known] { return std::make_unique<ParseOperation>(*known); }});
   }
   return parses;
 }
@@ -162,8 +163,9 @@ const std::vector<RuleText>& ruleTexts() {
 std::vector<Workload> parsesOfRules() {
   std::vector<Workload> parses;
   for (const RuleText& rule : ruleTexts()) {
-    parses.push_back({rule.text, static_cast<int64_t>(std::string(rule.text).size()),
-                      [&] { return std::make_unique<RuleOperation>(rule); }});
+    const auto size = static_cast<int64_t>(std::string(rule.text).size());
+    parses.push_back(
+        {rule.text, size, size, [&] { return std::make_unique<RuleOperation>(rule); }});
   }
   return parses;
 }
