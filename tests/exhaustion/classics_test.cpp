@@ -43,8 +43,9 @@ TEST(HalfBuilt, SumOfEveryKindIsReleasedAtEveryPoint) {
 TEST(RecordedReferences, NodeWhoseNameCannotBeRecordedIsReleased) {
   for (const std::string reference : {"b", "b.c", "b::c", "b.c[1].x"}) {
     // The hundred names before it fill the table's first array.
-    const int live = livePoolElements();
     const std::string full = "A a { x = List(d" + namedTimes(", d", 98) + ", ";
+    parsedScene(full + reference + "); }");
+    const int live = livePoolElements();
     CharString earlier("earlier");
     int64_t failures = 0;
     bool failed = true;
@@ -123,16 +124,23 @@ TEST(FailureRecord, ThatCannotBeMadeReleasesTheProgramAndStaysEmpty) {
 
 // The value had left its guard when the pool of properties turned out to be empty.
 TEST(Property, WhoseNodeIsRefusedReleasesItsValue) {
-  TextParser source("x = List(a, -b.c, \"text\") + 1;");
+  const char* text = "x = List(a, -b.c, \"text\") + 1;";
+  {
+    TextParser unharmed(text);
+    const auto_ast<PropertyAST> property(unharmed.started().parseProperty());
+  }
+  TextParser source(text);
   source.started();
   FreeElements<PropertyAST>::findRefusals();
   const int live = livePoolElements();
+  const int properties = PropertyAST::pool.liveCount();
   {
     const HeldElements<PropertyAST> held(FreeElements<PropertyAST>::count());
     const RefusedBlocks refused([] { return true; });
     EXPECT_THROW(source.parser.parseProperty(), ExceptionMsg);
   }
   FreeElements<PropertyAST>::noteRefusal();
+  EXPECT_EQ(PropertyAST::pool.liveCount(), properties + 1) << "another pool was empty";
   EXPECT_EQ(livePoolElements(), live + 1);
 }
 
