@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -10,6 +11,7 @@ thread_local constinit int64_t live = 0;
 thread_local constinit int64_t countdown = 0;  // 0: nothing is to fail
 thread_local constinit bool failForEver = false;
 thread_local constinit bool failed = false;
+thread_local constinit KelpTest::RefusedBlocks* refusedBlocks = nullptr;
 
 bool mustFail() {
   if (failed && failForEver) return true;
@@ -37,12 +39,17 @@ void* allocateOrThrow(size_t size) {
   return block;
 }
 
+void* allocateBlock(size_t size) noexcept {
+  if (refusedBlocks != nullptr && refusedBlocks->_refusesNow()) return nullptr;
+  return allocate(size);
+}
+
 }  // namespace
 
 void* operator new(size_t size) { return allocateOrThrow(size); }
 void* operator new[](size_t size) { return allocateOrThrow(size); }
-void* operator new(size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void* operator new[](size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+void* operator new(size_t size, const std::nothrow_t&) noexcept { return allocateBlock(size); }
+void* operator new[](size_t size, const std::nothrow_t&) noexcept { return allocateBlock(size); }
 void operator delete(void* block) noexcept { release(block); }
 void operator delete[](void* block) noexcept { release(block); }
 void operator delete(void* block, size_t) noexcept { release(block); }
@@ -68,5 +75,18 @@ FailingAllocation::~FailingAllocation() {
 }
 
 bool FailingAllocation::hasFailed() const { return failed; }
+
+RefusedBlocks::RefusedBlocks(std::function<bool()> refuse, bool persistent)
+    : mustRefuse(std::move(refuse)), forEver(persistent) {
+  refusedBlocks = this;
+}
+
+RefusedBlocks::~RefusedBlocks() { refusedBlocks = nullptr; }
+
+bool RefusedBlocks::_refusesNow() {
+  if (failed) return forEver;
+  failed = mustRefuse();
+  return failed;
+}
 
 }  // namespace KelpTest

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 
 namespace KelpTest {
 
@@ -23,6 +24,28 @@ class FailingAllocation {
 
   /// Whether a request has failed yet.
   bool hasFailed() const;
+};
+
+/// While one lives, nothrow requests are refused from the moment `refuse` says so: the first one,
+/// with `persistent` all later ones too, whatever it says then. In this library only pools make
+/// such requests, for their blocks.
+class RefusedBlocks {
+ public:
+  explicit RefusedBlocks(std::function<bool()> refuse, bool persistent = false);
+  RefusedBlocks(const RefusedBlocks&) = delete;
+  RefusedBlocks& operator=(const RefusedBlocks&) = delete;
+  ~RefusedBlocks();
+
+  /// Whether a request has been refused yet.
+  bool hasFailed() const { return failed; }
+
+  /// For the allocation operators: whether the request that is being made is to be refused.
+  bool _refusesNow();
+
+ private:
+  const std::function<bool()> mustRefuse;
+  const bool forEver;
+  bool failed = false;
 };
 
 }  // namespace KelpTest
