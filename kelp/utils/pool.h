@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <new>
 
 #include "kelp/utils/criticalsection.h"
@@ -176,6 +177,16 @@ class Pool {
     returned->nextFree = freeList;
     freeList = returned;
     --live;
+  }
+
+  /// Destroys all elements and frees their blocks, unless one is in use; the pool is then as if
+  /// new. The one way in which elements are ever destroyed: for when the pool's own code goes away.
+  void freeUnused() noexcept {
+    if (live != 0) return;
+    sequence.forEachRun(
+        [](PoolElement<T>* elements, int number) { std::destroy_n(elements, number); });
+    sequence.freeBlocks();
+    freeList = nullptr;
   }
 
   /// Elements taken less elements returned.
