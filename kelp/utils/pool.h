@@ -187,6 +187,7 @@ class Pool {
         [](PoolElement<T>* elements, int number) { std::destroy_n(elements, number); });
     sequence.freeBlocks();
     freeList = nullptr;
+    oldestFree = nullptr;
   }
 
   /// Elements taken less elements returned.
