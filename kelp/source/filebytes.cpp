@@ -22,13 +22,21 @@ namespace {
   throw InvalidSourceFile(CharString(message.c_str()));
 }
 
+// A signal that the host handles may interrupt any call that waits, also for a pipe's other end.
+template <class Call>
+auto uninterrupted(const std::string& path, Call call) {
+  for (;;) {
+    const auto result = call();
+    if (result >= 0) return result;
+    if (errno != EINTR) throwUnreadable(path, errno);
+  }
+}
+
 // Closes a file descriptor at the end of a scope.
 class Descriptor {
  public:
   explicit Descriptor(const std::string& path)
-      : number(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
-    if (number < 0) throwUnreadable(path, errno);
-  }
+      : number(uninterrupted(path, [&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC); })) {}
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
   ~Descriptor() { ::close(number); }
@@ -52,7 +60,7 @@ FileBytes& FileBytes::operator=(FileBytes&& other) noexcept {
 FileBytes FileBytes::read(const std::string& path, bool map) {
   const Descriptor file(path);
   struct stat status;
-  if (::fstat(file.number, &status) != 0) throwUnreadable(path, errno);
+  uninterrupted(path, [&] { return ::fstat(file.number, &status); });
   if (S_ISDIR(status.st_mode)) throwUnreadable(path, EISDIR);
   const bool regular = S_ISREG(status.st_mode);
   const size_t fileSize = regular ? static_cast<size_t>(status.st_size) : 0;
@@ -95,10 +103,9 @@ void FileBytes::_readAll(int descriptor, const std::string& path) {
       larger.size = size;
       *this = std::move(larger);
     }
-    const ssize_t got = ::read(descriptor, data + size, capacity - size);
+    const ssize_t got =
+        uninterrupted(path, [&] { return ::read(descriptor, data + size, capacity - size); });
     if (got == 0) break;
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) throwUnreadable(path, errno);
     size += static_cast<size_t>(got);
   }
   std::memset(data + size, 0, kPadding);
@@ -120,10 +127,10 @@ void FileBytes::_map(int descriptor, size_t fileSize, const std::string& path) {
   }
   size = inPages;
   while (size < fileSize) {
-    const ssize_t got = ::pread(descriptor, data + size, fileSize - size, static_cast<off_t>(size));
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) throwUnreadable(path, errno);
-    if (got == 0) break;
+    const ssize_t got = uninterrupted(path, [&] {
+      return ::pread(descriptor, data + size, fileSize - size, static_cast<off_t>(size));
+    });
+    if (got == 0) break;  // unreachable: the file would have to shrink between two calls
     size += static_cast<size_t>(got);
   }
 }
