@@ -1,13 +1,16 @@
 #include "kelp/scene.h"
 
 #include <ostream>
+
+#include "kelp/writers/treetext.h"
+
 namespace Kelp {
 
 namespace {
 
 constexpr size_t kExcerptCharacters = 100;
 
-std::string textOf(const CharString& text) { return text.isNull() ? "" : text.chars(); }
+std::string textOf(const CharString& text) { return std::string(viewOf(text)); }
 
 bool startsCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }
 

@@ -21,16 +21,22 @@ constexpr BuiltinFunction kFunctions[] = {
     {"sin", 3, 1},        {"smoothstep", 22, 3}, {"sqrt", 10, 1},   {"tan", 5, 1},
 };
 
-constexpr bool byName(const BuiltinFunction& a, const BuiltinFunction& b) {
-  return std::string_view(a.name) < std::string_view(b.name);
+consteval bool areSortedByName() {
+  return std::is_sorted(std::begin(kFunctions), std::end(kFunctions),
+                        [](const BuiltinFunction& a, const BuiltinFunction& b) {
+                          return std::string_view(a.name) < std::string_view(b.name);
+                        });
 }
 
-constexpr bool argumentsFit(const BuiltinFunction& function) {
-  return function.numArgs >= 0 && function.numArgs <= BuiltinFunctionAST::kMaxArgs;
+consteval bool doArgumentsFit() {
+  return std::all_of(
+      std::begin(kFunctions), std::end(kFunctions), [](const BuiltinFunction& function) {
+        return function.numArgs >= 0 && function.numArgs <= BuiltinFunctionAST::kMaxArgs;
+      });
 }
 
-static_assert(std::is_sorted(std::begin(kFunctions), std::end(kFunctions), byName));
-static_assert(std::all_of(std::begin(kFunctions), std::end(kFunctions), argumentsFit),
+static_assert(areSortedByName());
+static_assert(doArgumentsFit(),
               "a call has no room for more arguments, and the parser does not ask");
 
 }  // namespace

@@ -25,7 +25,8 @@ namespace {
 template <class T>
 union NeverDestroyed {
   constexpr NeverDestroyed() : none(0) {}
-  ~NeverDestroyed() {}  // NOLINT(modernize-use-equals-default): the pool must not be destroyed
+  // NOLINTNEXTLINE(modernize-use-equals-default): the pool must not be destroyed
+  ~NeverDestroyed() {}  // unreachable: the storage outlives every static object
   char none;
   Pool<T> pool;
 };

@@ -75,22 +75,14 @@ class NextChild final : public DefaultVisitor {
   ExpressionAST** slot = nullptr;
 };
 
-// Stands for the parent of the node that the release began with.
-class TopMark final : public ExpressionAST {
- public:
-  void deleteThis() override {}
-  void visit(Visitor&) override {}
-  ExpressionAST* getIth(int) override { return nullptr; }
-};
-
 }  // namespace
 
 void releaseWithoutStack(ExpressionAST* expression) noexcept {
   // On the way down the link to a child is turned round to point at the parent. Children before it
-  // are gone by then, so on the way up it is the first link that is not null.
+  // are gone by then, so on the way up it is the first link that is not null. The first node counts
+  // as its own parent.
   NextChild nextChild;
-  TopMark top;
-  ExpressionAST* parent = &top;
+  ExpressionAST* parent = expression;
   ExpressionAST* node = expression;
   for (;;) {
     if (ExpressionAST** down = nextChild.of(*node)) {
@@ -100,8 +92,9 @@ void releaseWithoutStack(ExpressionAST* expression) noexcept {
       node = child;
       continue;
     }
+    const bool wasFirst = node == parent;
     node->deleteThis();
-    if (parent == &top) return;
+    if (wasFirst) return;
     node = parent;
     ExpressionAST** link = nextChild.of(*node);
     parent = *link;

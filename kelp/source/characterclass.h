@@ -26,7 +26,7 @@ struct CharacterTables {
   std::array<bool, 256> inIdentifier{};  // may stand in an identifier behind its first character
 };
 
-constexpr CharacterTables makeCharacterTables() {
+consteval CharacterTables makeCharacterTables() {
   CharacterTables tables;
   const auto set = [&tables](const char* characters, CharacterClass kind) {
     for (; *characters != '\0'; ++characters) {

@@ -27,13 +27,22 @@ namespace {
   throwUnreadable(path, std::strerror(error));
 }
 
+// A signal that the host handles may interrupt any call that waits, also for a pipe's other end.
+template <class Call>
+auto uninterrupted(const std::string& path, Call call) {
+  for (;;) {
+    const auto result = call();
+    if (result >= 0) return result;
+    if (errno != EINTR) throwUnreadable(path, errno);
+  }
+}
+
 // Closes a file descriptor at the end of a scope.
 class Descriptor {
  public:
   Descriptor(const std::string& path, int flags)
-      : number(::open(path.c_str(), O_RDONLY | O_CLOEXEC | flags)) {
-    if (number < 0) throwUnreadable(path, errno);
-  }
+      : number(uninterrupted(path,
+                             [&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | flags); })) {}
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
   ~Descriptor() { ::close(number); }
@@ -59,7 +68,7 @@ FileBytes FileBytes::read(const std::string& path, const Request& request) {
   // Opening a pipe that nobody writes to would wait for ever.
   const Descriptor file(path, request.regularOnly ? O_NONBLOCK : 0);
   struct stat status;
-  if (::fstat(file.number, &status) != 0) throwUnreadable(path, errno);
+  uninterrupted(path, [&] { return ::fstat(file.number, &status); });
   if (S_ISDIR(status.st_mode)) throwUnreadable(path, EISDIR);
   const bool regular = S_ISREG(status.st_mode);
   if (request.regularOnly && !regular) throwUnreadable(path, "not a regular file");
@@ -104,10 +113,9 @@ void FileBytes::_readAll(int descriptor, const std::string& path, size_t atMost)
       larger.size = size;
       *this = std::move(larger);
     }
-    const ssize_t got = ::read(descriptor, data + size, capacity - size);
+    const ssize_t got =
+        uninterrupted(path, [&] { return ::read(descriptor, data + size, capacity - size); });
     if (got == 0) break;
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) throwUnreadable(path, errno);
     size += static_cast<size_t>(got);
   }
   std::memset(data + size, 0, kPadding);
@@ -129,10 +137,10 @@ void FileBytes::_map(int descriptor, size_t fileSize, const std::string& path) {
   }
   size = inPages;
   while (size < fileSize) {
-    const ssize_t got = ::pread(descriptor, data + size, fileSize - size, static_cast<off_t>(size));
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) throwUnreadable(path, errno);
-    if (got == 0) break;
+    const ssize_t got = uninterrupted(path, [&] {
+      return ::pread(descriptor, data + size, fileSize - size, static_cast<off_t>(size));
+    });
+    if (got == 0) break;  // unreachable: the file would have to shrink between two calls
     size += static_cast<size_t>(got);
   }
 }

@@ -2,16 +2,26 @@
 
 namespace Kelp {
 
-const char* tokenSpelling(int32_t type) {
-  switch (type) {
-#define KELP_TOKEN(code, enumerator, spelling) \
-  case code:                                   \
-    return spelling;
+namespace {
+
+struct Spelling {
+  int32_t type;
+  const char* text;
+};
+
+constexpr Spelling kSpellings[] = {
+#define KELP_TOKEN(code, enumerator, spelling) {code, spelling},
 #include "kelp/source/tokens.def"
 #undef KELP_TOKEN
-    default:
-      return "";
+};
+
+}  // namespace
+
+const char* tokenSpelling(int32_t type) {
+  for (const Spelling& spelling : kSpellings) {
+    if (spelling.type == type) return spelling.text;
   }
+  return "";
 }
 
 }  // namespace Kelp

@@ -37,7 +37,8 @@ StackBounds askForBounds() {
   StackBounds found;
   found.known = true;
   pthread_attr_t attributes;
-  if (pthread_getattr_np(pthread_self(), &attributes) != 0) return found;
+  const bool asked = pthread_getattr_np(pthread_self(), &attributes) == 0;
+  if (!asked) return found;  // unreachable: fails only where /proc cannot be read or memory ends
   void* base = nullptr;
   size_t size = 0;
   size_t guardSize = 0;

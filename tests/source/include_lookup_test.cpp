@@ -1,0 +1,73 @@
+// Where included files are looked for, and what stops the search.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <string>
+
+#include "tests/support/temporaryfiles.h"
+#include "tests/support/tokenlist.h"
+
+using namespace Kelp;
+
+namespace {
+
+class IncludeLookup : public testing::Test {
+ protected:
+  // The tokens of a file that holds one #include line, or what stopped them.
+  std::string tokensOfInclude(const std::string& line) {
+    return tokensOfFile(files.write("main.scene", line));
+  }
+
+  std::string tokensOfFile(const std::string& path) {
+    reader.openFile(path.c_str());
+    return KelpTest::remainingTokens(scanner);
+  }
+
+  const KelpTest::TemporaryFiles files;
+  SourcesReader reader;
+  Scanner scanner{&reader};
+};
+
+}  // namespace
+
+TEST_F(IncludeLookup, FileInsteadOfADirectoryIsPassedOver) {
+  files.write("a", "wrong");
+  files.write("more/a/b.inc", "right");
+  reader.addIncludePath(files.path("more").c_str());
+  EXPECT_EQ(tokensOfInclude("#include \"a/b.inc\"\n"), "id:right");
+}
+
+TEST_F(IncludeLookup, FileThatIsThereButUnusableEndsTheSearch) {
+  const std::string loop = files.path("b.inc");
+  ASSERT_EQ(::symlink("b.inc", loop.c_str()), 0);
+  files.write("more/b.inc", "other");
+  reader.addIncludePath(files.path("more").c_str());
+  EXPECT_EQ(tokensOfInclude("#include \"b.inc\"\n"),
+            "error: Cannot read \"" + loop + "\": Too many levels of symbolic links");
+}
+
+TEST_F(IncludeLookup, TextWithoutANameLooksInTheCurrentDirectory) {
+  const std::string text = "#include \"there is no such file\"";
+  reader.openText(text.data(), static_cast<int64_t>(text.size()), nullptr);
+  EXPECT_EQ(KelpTest::remainingTokens(scanner),
+            "error: Cannot read \"there is no such file\": No such file or directory");
+}
+
+TEST_F(IncludeLookup, IncludedFileThatIncludesItselfIsACycle) {
+  const std::string included = files.write("a.inc", "a\n#include \"a.inc\"\n");
+  EXPECT_EQ(tokensOfInclude("#include \"a.inc\"\n"),
+            "id:a error: File \"" + included + "\" includes itself");
+}
+
+TEST_F(IncludeLookup, IncludedFileThatIncludesAnOuterOneIsACycle) {
+  files.write("a.inc", "a\n#include \"b.inc\"\n");
+  files.write("b.inc", "b\n#include \"main.scene\"\n");
+  EXPECT_EQ(tokensOfInclude("#include \"a.inc\"\n"),
+            "id:a id:b error: File \"" + files.path("main.scene") + "\" includes itself");
+}
+
+TEST_F(IncludeLookup, CommentThatNeverEndsBehindTheNameIsFoundAfterTheIncludedFile) {
+  files.write("b.inc", "b");
+  EXPECT_EQ(tokensOfInclude("#include \"b.inc\" /* c"),
+            "id:b error: The comment that begins on line 1 never ends");
+}

@@ -1,0 +1,71 @@
+// How names of all kinds are listed.
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+
+#include "kelp/ast/auto_ast.h"
+#include "kelp/writers/treelisting.h"
+#include "tests/support/programs.h"
+
+using namespace Kelp;
+
+namespace {
+
+std::string listing(const ProgramAST& program) {
+  std::ostringstream out;
+  writeTreeListing(out, program);
+  return out.str();
+}
+
+// What an object of that type is listed as.
+std::string listedType(const char* type) {
+  const auto_ast<ProgramAST> program(new ProgramAST);
+  KelpTest::add(program.get(), type, "");
+  return listing(*program.get());
+}
+
+// What a value is listed as that stands in a property without a file.
+std::string listedValue(ExpressionAST* value) {
+  const auto_ast<ProgramAST> program(new ProgramAST);
+  KelpTest::add(program.get(), "A", "")->addProperty(KelpTest::property("x", value), 0, 0);
+  return listing(*program.get());
+}
+
+}  // namespace
+
+TEST(TreeListingNames, WordsStandAsTheyAreOthersInQuotes) {
+  const struct {
+    const char* name;
+    const char* listed;
+  } rows[] = {
+      {"azAZ", "azAZ\n"},
+      {"a0_9", "a0_9\n"},
+      {"a@b|c$", "a@b|c$\n"},
+      {"a/b", "\"a/b\"\n"},
+      {"a:b", "\"a:b\"\n"},
+      {"a{b", "\"a{b\"\n"},
+      {"a[b", "\"a[b\"\n"},
+      {"a`b", "\"a`b\"\n"},
+      {"a b", "\"a b\"\n"},
+      {"@A", "@A\n"},
+      {"", "\"\"\n"},
+      {nullptr, "null\n"},
+      {"\xC3\xA9", "\"\xC3\xA9\"\n"},
+      {"\xC2\x9F\xC2\xA0", "\"\\xc2\\x9f\xC2\xA0\"\n"},
+      {"\xE2\x82\xAC", "\"\xE2\x82\xAC\"\n"},
+      {"\x1F", "\"\\x1f\"\n"},
+      {"\x7F", "\"\\x7f\"\n"},
+  };
+  for (const auto& row : rows) EXPECT_EQ(listedType(row.name), row.listed);
+}
+
+TEST(TreeListingNames, PropertyWithoutAFileShowsItsLineOnly) {
+  EXPECT_EQ(listedValue(KelpTest::number(1)), "A\n  x = 1  // :0\n");
+}
+
+TEST(TreeListingNames, UnknownFunctionIsShownByItsNumber) {
+  auto* call = new BuiltinFunctionAST;
+  call->funcID = 1000;
+  EXPECT_EQ(listedValue(call), "A\n  x = call function 1000  // :0\n");
+}
