@@ -1,0 +1,25 @@
+// Programs: operations on several of them and on a parser that recorded their references.
+#include "tests/fuzz/checks.h"
+#include "tests/fuzz/targets.h"
+#include "tests/models/checkedprograms.h"
+
+namespace KelpTest {
+
+int fuzzPrograms(const uint8_t* data, size_t size) {
+  takeDownGoodScenes();
+  ByteChoices input(data, size);
+  Shortage shortage(input);
+  const NodeBalance balance;
+  {
+    CheckedPrograms programs(input, shortage);
+    while (!input.atEnd()) {
+      programs.step();
+      programs.compareAll();
+    }
+  }
+  balance.expectRestored(shortage);
+  if (shortage.hasStruck()) expectGoodSceneToParse(size);
+  return 0;
+}
+
+}  // namespace KelpTest
