@@ -10,9 +10,9 @@
 
 namespace KelpTest {
 
-/// `TestedPool` hands out elements with a field `number`, `kBlock` a block. `kKeepsFields`: what
-/// was in an element is found in it again.
-template <class TestedPool, class Element, int kBlock, bool kKeepsFields>
+/// `TestedPool` hands out elements with a field `number`, `kBlock` a block; `Slot` is what lies in
+/// a block. What was in an element is found in it again.
+template <class TestedPool, class Slot, int kBlock>
 class CheckedPool {
  public:
   explicit CheckedPool(Choices& source) : choices(source) {}
@@ -30,19 +30,19 @@ class CheckedPool {
 
  private:
   struct Held {
-    Element* element;
+    Slot* element;
     int64_t number;  // what was written into it
   };
 
   void take() {
-    Element* element = pool.newElement();
+    auto* element = static_cast<Slot*>(pool.newElement());
     if (!returned.empty()) {
       expectSame("the element handed out again", returned.back().element, element);
-      if (kKeepsFields) expectSame("its field", returned.back().number, element->number);
+      expectSame("its field", returned.back().number, element->number);
       returned.pop_back();
     } else {
       if (handedOut % kBlock != 0) expectSame("the next of the block", fresh + 1, element);
-      if (kKeepsFields) expectSame("a fresh field", int64_t{0}, element->number);
+      expectSame("a fresh field", int64_t{0}, element->number);
       fresh = element;
       ++handedOut;
     }
@@ -59,14 +59,12 @@ class CheckedPool {
     taken.pop_back();
   }
 
-  using Slot = decltype(TestedPool().newElement());
-
   Choices& choices;
   TestedPool pool;
   std::vector<Held> taken;
   std::vector<Held> returned;
-  Slot fresh = nullptr;  // the last one taken from a block
-  int handedOut = 0;     // ones taken from blocks
+  Slot* fresh = nullptr;  // the last one taken from a block
+  int handedOut = 0;      // ones taken from blocks
   int64_t numbers = 0;
 };
 
