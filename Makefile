@@ -3,11 +3,13 @@
 
 JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
+# Spent on each fuzzing target.
+FUZZ_SECONDS ?= 30
 EXAMPLE := examples/kitchen.scene
 
 .DEFAULT_GOAL := build
 .PHONY: setup build release debug sanitize run test test-sanitize format format-check check-includes \
-        tidy bench install clean
+        tidy bench fuzz install clean
 
 # $(call build,PRESET[,TARGET]) configures a preset and builds all of it, or one target.
 define build
@@ -51,6 +53,9 @@ tidy:
 bench: setup
 	$(call build,release,kelp_bench)
 	build/release/bench/kelp_bench
+
+fuzz: setup
+	scripts/fuzz $(FUZZ_SECONDS)
 
 install: release
 	cmake --install build/release --prefix $(PREFIX)
