@@ -200,18 +200,22 @@ TEST_F(SourceMessages, OneFileMoreThan64ArisesBehindEveryToken) {
 }
 
 TEST_F(SourceMessages, OnesOfTheScenesOwnFileHaveNoPlace) {
-  const std::pair<const char*, const char*> rows[] = {
+  struct Row {
+    const char* name;
+    const char* reason;
+  };
+  const Row rows[] = {
       {"missing", "No such file or directory"},
       {"no/missing", "No such file or directory"},
       {"empty/b", "Not a directory"},
       {"folder", "Is a directory"},
   };
-  for (const auto& [name, reason] : rows) {
-    const std::string path = files.path(name);
+  for (const Row& row : rows) {
+    const std::string path = files.path(row.name);
     expectBalanced([&] {
       const Scene scene = Scene::fromFile(path, options);
       EXPECT_EQ(scene.error().kind, SceneError::Kind::kUnreadable);
-      EXPECT_EQ(scene.error().message, "Cannot read \"" + path + "\": " + reason);
+      EXPECT_EQ(scene.error().message, "Cannot read \"" + path + "\": " + row.reason);
       EXPECT_EQ(scene.error().file, path);
       EXPECT_EQ(scene.error().line, 0);
       EXPECT_EQ(scene.error().tokenLine, 0);
