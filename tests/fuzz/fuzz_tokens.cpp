@@ -126,16 +126,11 @@ ListedToken readToken(ByteChoices& input, const std::string& recorded) {
   return token;
 }
 
-std::string parsed(TreeParser& parser, const Settings& settings) {
+void parse(TreeParser& parser, auto_ast<ProgramAST>& program) {
   try {
-    const auto_ast<ProgramAST> program(parser.parseProgram());
-    if (program.get() == nullptr) return "";
-    if (settings.filtered) filterByName(parser, program.get());
-    return sexpression(*program.get());
+    program.reset(parser.parseProgram());
   } catch (const InvalidSourceFile&) {
-    return "";
   } catch (const ScanStopped&) {
-    return "";
   }
 }
 
@@ -149,9 +144,14 @@ std::string parsedTokens(const std::vector<ListedToken>& tokens, const Settings&
   parser.affixIsSuffix = settings.suffix;
   parser.nameAffix = settings.affix;
   parser.maxNestingDepth = settings.depth == 0 ? 1000 : settings.depth;
-  std::string tree;
-  shortage.run([&] { tree = parsed(parser, settings); });
-  return tree;
+  auto_ast<ProgramAST> program(nullptr);
+  shortage.run([&] { parse(parser, program); });
+  if (program.get() == nullptr) {
+    expectSame("references recorded by a failed parse", 0, parser.referenceNames.count);
+    return "";
+  }
+  if (settings.filtered) shortage.run([&] { filterByName(parser, program.get()); });
+  return sexpression(*program.get());
 }
 
 }  // namespace
