@@ -37,7 +37,8 @@ class ProgramAST final : public AST {
 
   /// Moves all objects of `other` here, newest first, each as addObject would. The other program
   /// stays alive and empty. When this throws, every object is owned by exactly one of the two, and
-  /// the maps of the other are empty. Merging a program into itself does nothing.
+  /// the maps of the other know none that has left it, nor all that are left. Merging a program
+  /// into itself does nothing.
   void mergeProgram(ProgramAST* other, double t1, double t2, Table<ObjectAST*, 100>* mergedObjects);
 
   /// Makes the object known as oldName known as newName to getObject; the object's own name is
