@@ -24,7 +24,7 @@ namespace {
 
 std::string readError(const std::string& path, bool map) {
   try {
-    FileBytes::read(path, map);
+    FileBytes::read(path, {.map = map});
   } catch (const InvalidSourceFile& failure) {
     return failure.message.chars();
   }
@@ -89,7 +89,7 @@ TEST(FileBytes, SignalsDoNotDisturbTheReadingOfAPipe) {
     writeAll(pipe, "second");
     ::close(pipe);
   });
-  const FileBytes bytes = FileBytes::read(path, false);
+  const FileBytes bytes = FileBytes::read(path, {.map = false});
   writer.join();
   EXPECT_EQ(std::string_view(bytes.data, bytes.size), "first second");
 }
@@ -108,8 +108,8 @@ TEST(FileBytes, FileThatCannotBeMappedIsReported) {
 
 TEST(FileBytes, FileOfMoreBytesThanThereIsMemoryRunsOutOfIt) {
   const EndlessFile file;
-  EXPECT_THROW(FileBytes::read(file.path(), false), std::bad_alloc);
-  EXPECT_THROW(FileBytes::read(file.path(), true), std::bad_alloc);
+  EXPECT_THROW(FileBytes::read(file.path(), {.map = false}), std::bad_alloc);
+  EXPECT_THROW(FileBytes::read(file.path(), {.map = true}), std::bad_alloc);
 }
 
 TEST(FileBytes, MadeFromAnotherTakesItsBytes) {
