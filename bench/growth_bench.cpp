@@ -27,7 +27,7 @@ namespace {
 using KelpBench::GrowthCase;
 using KelpBench::Seconds;
 
-constexpr double kTooShort = 0.0002;  // below this a time says nothing about growth
+constexpr double kTooShort = 0.0001;  // below this a time says nothing about growth
 constexpr double kMaxRatio = 2.3;     // memory gets slower the more there is of it
 constexpr int kRunsOfAProcess = 4;
 constexpr int kMaxRounds = 10;
