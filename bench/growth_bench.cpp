@@ -27,11 +27,14 @@ namespace {
 using KelpBench::GrowthCase;
 using KelpBench::Seconds;
 
-constexpr double kTooShort = 0.0002;  // below this a time says nothing about growth
+constexpr double kTooShort = 0.0001;  // below this a time says nothing about growth
 constexpr double kMaxRatio = 2.3;     // memory gets slower the more there is of it
 constexpr int kRunsOfAProcess = 4;
 constexpr int kMaxRounds = 10;
 constexpr int kMoreDoublings = 2;
+constexpr int kFewNames = 1000;
+constexpr int kManyNames = 100000;  // a square law would make each cost up to 100 times as much
+constexpr double kMaxNameRatio = 15;
 constexpr int kManyReferences = 2000000;
 constexpr double kMaxFilterSeconds = 1.0;
 
@@ -136,6 +139,17 @@ void measure(const GrowthCase& growth) {
   print(growth, measured);
 }
 
+// Many names must not take long either: beyond the caches each costs more, but only so much.
+void measureManyNames(const GrowthCase& growth) {
+  const double few = run(growth, kFewNames).work / kFewNames;
+  const double many = run(growth, kManyNames).work / kManyNames;
+  const bool good = many <= kMaxNameRatio * few;
+  if (!good) ++failures;
+  std::printf("%-36s %9d %9.2f us each; of %d %.2f us each%s\n", growth.name, kFewNames, few * 1e6,
+              kManyNames, many * 1e6, good ? "" : "  TOO MUCH");
+  std::fflush(stdout);
+}
+
 void measureManyReferences() {
   double seconds = KelpBench::filterSeconds(kManyReferences);
   for (int round = 1; round < kRunsOfAProcess; ++round) {
@@ -160,6 +174,9 @@ void* measureAll(void* wantedWords) {
               "release n", "2 n", "ratio");
   for (const GrowthCase& growth : KelpBench::growthCases()) {
     if (isWanted(growth.name, words)) measure(growth);
+  }
+  for (const GrowthCase& growth : KelpBench::growthCases()) {
+    if (growth.whileCached && isWanted(growth.name, words)) measureManyNames(growth);
   }
   std::printf("FIGURE|growth|%d ratios of 2 n to n, at most %.2f (%s), limit %.1f%s\n", ratios,
               worstRatio, worstCase, kMaxRatio, failures == 0 ? "" : " MISSED");

@@ -11,7 +11,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <memory>
 #include <new>
 
 #include "kelp/utils/criticalsection.h"
@@ -183,8 +182,11 @@ class Pool {
   /// new. The one way in which elements are ever destroyed: for when the pool's own code goes away.
   void freeUnused() noexcept {
     if (live != 0) return;
-    sequence.forEachRun(
-        [](PoolElement<T>* elements, int number) { std::destroy_n(elements, number); });
+    using Element = PoolElement<T>;
+    sequence.forEachRun([](Element* elements, int number) {
+      // By its name: node classes have no virtual destructors.
+      for (int i = 0; i < number; ++i) elements[i].Element::~Element();
+    });
     sequence.freeBlocks();
     freeList = nullptr;
     oldestFree = nullptr;

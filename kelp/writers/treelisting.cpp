@@ -220,7 +220,7 @@ class Listing final : public Visitor {
 
   void startLine(int depth) {
     out << std::string(2 * static_cast<size_t>(std::min(depth, kMaxIndentedDepth)), ' ');
-    if (depth > kMaxIndentedDepth) out << "(depth " << depth << ") ";
+    if (depth > kMaxIndentedDepth) out << "(depth " << std::to_string(depth) << ") ";
   }
 
   // The line of the node that is visited. The first line of a property also says where it is from.

@@ -138,6 +138,34 @@ TEST(Pool, LastReturnedIsFirstTaken) {
   EXPECT_EQ(pool.blockCount(), 3);
 }
 
+TEST(Pool, UnusedElementsAreDestroyedAndTheirBlocksFreed) {
+  const int64_t before = liveAllocations();
+  Pool<Node> pool;
+  for (int round = 0; round < 2; ++round) {
+    Node::destructions = 0;
+    std::vector<PoolElement<Node>*> taken;
+    for (int i = 0; i < 1500; ++i) taken.push_back(pool.newElement());
+    for (PoolElement<Node>* element : taken) pool.freeElement(element);
+    taken = std::vector<PoolElement<Node>*>();
+    pool.freeUnused();
+    EXPECT_EQ(Node::destructions, 1500) << "those that were never taken own nothing";
+    EXPECT_EQ(pool.blockCount(), 0);
+    EXPECT_EQ(liveAllocations(), before);
+  }
+}
+
+TEST(Pool, WithAnElementInUseNothingIsFreed) {
+  Pool<Node> pool;
+  Node* element = pool.newElement();
+  pool.freeElement(pool.newElement());
+  Node::destructions = 0;
+  pool.freeUnused();
+  EXPECT_EQ(Node::destructions, 0);
+  EXPECT_EQ(pool.blockCount(), 1);
+  EXPECT_EQ(pool.liveCount(), 1);
+  pool.freeElement(element);
+}
+
 TEST(Pool, DestructorFreesBlocksInUseAndDestroysNoElement) {
   const int64_t before = liveAllocations();
   Node::destructions = 0;
