@@ -1,6 +1,5 @@
 // Number literals.
 #include <cmath>
-#include <cstring>
 
 #include "kelp/parser/treeparser.h"
 
@@ -77,7 +76,6 @@ double TreeParser::parseSimpleNumber() {
 }
 
 double TreeParser::parseNum(const char* text) {
-  if (*text == 'n' && std::strcmp(text, "nan") == 0) return 0.0;
   double value = readInteger(text, 0.0);
   const bool point = *text == '.';
   if (point) value = readFraction(++text, value);

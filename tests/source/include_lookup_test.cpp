@@ -66,6 +66,19 @@ TEST_F(IncludeLookup, IncludedFileThatIncludesAnOuterOneIsACycle) {
             "id:a id:b error: File \"" + files.path("main.scene") + "\" includes itself");
 }
 
+TEST_F(IncludeLookup, CommentsBehindTheNameBeginAndEndWhereTheyDo) {
+  files.write("b.inc", "b");
+  for (const char* comments : {"/* c *//* d */", "/*/ c */", "/**/ // d", "/***/", "/* *//*/ */"}) {
+    const std::string line = std::string("#include \"b.inc\" ") + comments;
+    EXPECT_EQ(tokensOfInclude(line), "id:b") << line;
+    EXPECT_EQ(tokensOfInclude(line + "\nz"), "id:b id:z") << line;
+  }
+  for (const char* text : {"/*/ z", "/* *//*/ z", "/* */ z", "/* *//"}) {
+    const std::string line = std::string("#include \"b.inc\" ") + text + "\n";
+    EXPECT_NE(tokensOfInclude(line).find("error: "), std::string::npos) << line;
+  }
+}
+
 TEST_F(IncludeLookup, CommentThatNeverEndsBehindTheNameIsFoundAfterTheIncludedFile) {
   files.write("b.inc", "b");
   EXPECT_EQ(tokensOfInclude("#include \"b.inc\" /* c"),

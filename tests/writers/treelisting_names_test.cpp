@@ -64,6 +64,28 @@ TEST(TreeListingNames, PropertyWithoutAFileShowsItsLineOnly) {
   EXPECT_EQ(listedValue(KelpTest::number(1)), "A\n  x = 1  // :0\n");
 }
 
+TEST(TreeListingNames, LineOfOneElementOfOneCharacterEnds) {
+  auto* list = new ListTypeExpressionAST<int>;
+  list->elements.allocArray(1);
+  list->elements[0] = 7;
+  EXPECT_EQ(listedValue(list), "A\n  x = integers, 1  // :0\n    7\n");
+}
+
+TEST(TreeListingNames, ElementsFarToTheRightHaveFortyColumns) {
+  for (const int lastDigits : {7, 8}) {
+    auto* list = new ListTypeExpressionAST<int>;
+    list->elements.allocArray(4);
+    for (int i = 0; i < 3; ++i) list->elements[i] = 1111111111;
+    list->elements[3] = lastDigits == 7 ? 2222222 : 22222222;
+    ExpressionAST* value = list;
+    for (int i = 0; i < 40; ++i) value = KelpTest::negated(value);
+    const std::string indent = '\n' + std::string(80, ' ') + "(depth 42) ";
+    const std::string wrapped = lastDigits == 7 ? " 2222222\n" : indent + "22222222\n";
+    const std::string expected = indent + "1111111111 1111111111 1111111111" + wrapped;
+    EXPECT_NE(listedValue(value).find(expected), std::string::npos);
+  }
+}
+
 TEST(TreeListingNames, UnknownFunctionIsShownByItsNumber) {
   auto* call = new BuiltinFunctionAST;
   call->funcID = 1000;
