@@ -5,9 +5,9 @@ using KelpTest::Outcome;
 
 namespace {
 
-class Limits : public KelpTest::ProgramTest {
+class LimitsOnTheCommandLine : public KelpTest::ProgramTest {
  protected:
-  Limits() {
+  LimitsOnTheCommandLine() {
     write("two.scene", "A a { }\nB b { }\n");  // 16 bytes
     std::filesystem::create_directories(directory / "in" / "sub");
     write("sub/out.scene", "#include \"../two.scene\"\n");
@@ -17,7 +17,7 @@ class Limits : public KelpTest::ProgramTest {
 
 }  // namespace
 
-TEST_F(Limits, ScenesWithinThemAreGood) {
+TEST_F(LimitsOnTheCommandLine, ScenesWithinThemAreGood) {
   for (const char* limit : {"--max-bytes 16", "--max-bytes 1kB", "--max-bytes 1GiB",
                             "--max-objects 2", "--max-includes 1", "--confine"}) {
     EXPECT_EQ(kelp(std::string("check two.scene ") + limit), (Outcome{0, "", ""})) << limit;
@@ -26,7 +26,7 @@ TEST_F(Limits, ScenesWithinThemAreGood) {
   EXPECT_EQ(kelp("check sub/out.scene --confine -I ."), (Outcome{0, "", ""}));
 }
 
-TEST_F(Limits, LargerScenesAreRefused) {
+TEST_F(LimitsOnTheCommandLine, LargerScenesAreRefused) {
   EXPECT_EQ(kelp("check two.scene --max-bytes 15"),
             (Outcome{2, "", "two.scene: error: The scene has more than 15 bytes\n"}));
   EXPECT_EQ(kelp("check --max-objects 1 two.scene"),
@@ -47,14 +47,14 @@ TEST_F(Limits, LargerScenesAreRefused) {
                      "^\n"}));
 }
 
-TEST_F(Limits, EndlessInputIsGivenUp) {
+TEST_F(LimitsOnTheCommandLine, EndlessInputIsGivenUp) {
   const Outcome tooLarge{2, "", "<stdin>: error: The scene has more than 1000000 bytes\n"};
   EXPECT_EQ(shell("yes | \"$KELP\" check - --max-bytes 1MB"), tooLarge);
   EXPECT_EQ(kelp("check /dev/zero --max-bytes 1MB"),
             (Outcome{2, "", "/dev/zero: error: The scene has more than 1000000 bytes\n"}));
 }
 
-TEST_F(Limits, ValuesThatMakeNoSenseAreRefused) {
+TEST_F(LimitsOnTheCommandLine, ValuesThatMakeNoSenseAreRefused) {
   for (const char* usage : {"--max-bytes 0", "--max-bytes -1", "--max-bytes 5x", "--max-objects 0",
                             "--max-objects x", "--max-includes 0"}) {
     EXPECT_EQ(kelp(std::string("check two.scene ") + usage).exitCode, 2) << usage;
