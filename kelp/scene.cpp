@@ -43,7 +43,7 @@ size_t byteOfCharacter(const std::string& text, size_t n) {
   size_t byte = 0;
   while (byte < text.size() && n > 0) {
     ++byte;
-    if (byte >= text.size() || startsCharacter(text[byte])) --n;
+    if (startsCharacter(text[byte])) --n;  // as does the NUL at the end
   }
   return byte;
 }

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <new>
@@ -16,6 +17,7 @@
 #include <utility>
 
 #include "kelp/utils/exceptions.h"
+#include "tests/support/allocations.h"
 #include "tests/support/temporaryfiles.h"
 
 using namespace Kelp;
@@ -110,6 +112,47 @@ TEST(FileBytes, FileOfMoreBytesThanThereIsMemoryRunsOutOfIt) {
   const EndlessFile file;
   EXPECT_THROW(FileBytes::read(file.path(), {.map = false}), std::bad_alloc);
   EXPECT_THROW(FileBytes::read(file.path(), {.map = true}), std::bad_alloc);
+}
+
+TEST(FileBytes, KnowsWhichFileItIsAlsoWhenMoved) {
+  const KelpTest::TemporaryFiles files;
+  const std::string path = files.write("a", "abc");
+  struct stat status {};
+  ASSERT_EQ(::stat(path.c_str(), &status), 0);
+  for (const bool map : {false, true}) {
+    FileBytes first = FileBytes::read(path, map);
+    FileBytes second = FileBytes::copy("", 0);
+    EXPECT_EQ(second.device, 0U);
+    EXPECT_EQ(second.inode, 0U);
+    second = std::move(first);
+    EXPECT_EQ(second.device, status.st_dev);
+    EXPECT_EQ(second.inode, status.st_ino);
+  }
+}
+
+TEST(FileBytes, FileIsReadIntoOneBlock) {
+  const KelpTest::TemporaryFiles files;
+  for (const size_t size : {size_t{0}, size_t{1}, size_t{100000}}) {
+    const std::string path = files.write("a", std::string(size, 'a'));
+    const int64_t before = KelpTest::allocationCount();
+    const FileBytes bytes = FileBytes::read(path, false);
+    EXPECT_EQ(KelpTest::allocationCount() - before, 1) << size;
+    EXPECT_EQ(bytes.size, size);
+  }
+}
+
+TEST(FileBytes, MappingEndsWithItsOwner) {
+  const KelpTest::TemporaryFiles files;
+  const std::string path = files.write("a", std::string(10000, 'a'));
+  char* pages = nullptr;
+  unsigned char resident = 0;
+  {
+    const FileBytes bytes = FileBytes::read(path, true);
+    pages = bytes.data;
+    EXPECT_EQ(::mincore(pages, 1, &resident), 0);
+  }
+  EXPECT_EQ(::mincore(pages, 1, &resident), -1);
+  EXPECT_EQ(errno, ENOMEM);
 }
 
 TEST(FileBytes, MadeFromAnotherTakesItsBytes) {

@@ -1,5 +1,6 @@
 // Where included files are looked for, and what stops the search.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <string>
@@ -64,6 +65,25 @@ TEST_F(IncludeLookup, IncludedFileThatIncludesAnOuterOneIsACycle) {
   files.write("b.inc", "b\n#include \"main.scene\"\n");
   EXPECT_EQ(tokensOfInclude("#include \"a.inc\"\n"),
             "id:a id:b error: File \"" + files.path("main.scene") + "\" includes itself");
+}
+
+TEST_F(IncludeLookup, SourceKnowsTheIdentityOfItsFile) {
+  const std::string path = files.write("a.scene", "a");
+  struct stat status {};
+  ASSERT_EQ(::stat(path.c_str(), &status), 0);
+  reader.openFile(path.c_str());
+  EXPECT_EQ(reader.position.source->device, status.st_dev);
+  EXPECT_EQ(reader.position.source->inode, status.st_ino);
+  reader.openText("a", 1, path.c_str());
+  EXPECT_EQ(reader.position.source->device, 0U);
+  EXPECT_EQ(reader.position.source->inode, 0U);
+}
+
+TEST_F(IncludeLookup, SceneOpenedWithinAnIncludedFileEndsWithItself) {
+  const std::string included = files.write("b.inc", "b");
+  EXPECT_EQ(tokensOfInclude("c"), "id:c");
+  reader.enterInclude(included);
+  EXPECT_EQ(tokensOfFile(files.write("other.scene", "o")), "id:o");
 }
 
 TEST_F(IncludeLookup, CommentsBehindTheNameBeginAndEndWhereTheyDo) {

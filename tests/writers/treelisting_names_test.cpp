@@ -86,6 +86,21 @@ TEST(TreeListingNames, ElementsFarToTheRightHaveFortyColumns) {
   }
 }
 
+TEST(TreeListingNames, LinesOfElementsHaveAHundredColumnsInAll) {
+  for (const int lastDigits : {8, 9}) {
+    auto* list = new ListTypeExpressionAST<int>;
+    list->elements.allocArray(9);
+    std::string expected = "A\n  x = integers, 9  // :0\n    1111111111";
+    for (int i = 0; i < 8; ++i) {
+      list->elements[i] = 1111111111;
+      if (i > 0) expected += " 1111111111";
+    }
+    list->elements[8] = lastDigits == 8 ? 22222222 : 222222222;
+    expected += lastDigits == 8 ? " 22222222\n" : "\n    222222222\n";
+    EXPECT_EQ(listedValue(list), expected);
+  }
+}
+
 TEST(TreeListingNames, UnknownFunctionIsShownByItsNumber) {
   auto* call = new BuiltinFunctionAST;
   call->funcID = 1000;
