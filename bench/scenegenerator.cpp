@@ -1,5 +1,6 @@
 #include "bench/scenegenerator.h"
 
+#include <cstdarg>
 #include <cstdint>
 #include <cstdio>
 
@@ -24,10 +25,12 @@ class SceneText {
  public:
   explicit SceneText(size_t bytes) { text.reserve(bytes + bytes / 8); }
 
-  template <class... Values>
-  void add(const char* format, Values... values) {
+  [[gnu::format(printf, 2, 3)]] void add(const char* format, ...) {
     char line[256];
-    const int length = std::snprintf(line, sizeof line, format, values...);
+    va_list values;
+    va_start(values, format);
+    const int length = std::vsnprintf(line, sizeof line, format, values);
+    va_end(values);
     text.append(line, static_cast<size_t>(length));
   }
 

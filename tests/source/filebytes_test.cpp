@@ -120,7 +120,7 @@ TEST(FileBytes, KnowsWhichFileItIsAlsoWhenMoved) {
   struct stat status {};
   ASSERT_EQ(::stat(path.c_str(), &status), 0);
   for (const bool map : {false, true}) {
-    FileBytes first = FileBytes::read(path, map);
+    FileBytes first = FileBytes::read(path, {.map = map});
     FileBytes second = FileBytes::copy("", 0);
     EXPECT_EQ(second.device, 0U);
     EXPECT_EQ(second.inode, 0U);
@@ -135,7 +135,7 @@ TEST(FileBytes, FileIsReadIntoOneBlock) {
   for (const size_t size : {size_t{0}, size_t{1}, size_t{100000}}) {
     const std::string path = files.write("a", std::string(size, 'a'));
     const int64_t before = KelpTest::allocationCount();
-    const FileBytes bytes = FileBytes::read(path, false);
+    const FileBytes bytes = FileBytes::read(path, {.map = false});
     EXPECT_EQ(KelpTest::allocationCount() - before, 1) << size;
     EXPECT_EQ(bytes.size, size);
   }
@@ -147,7 +147,7 @@ TEST(FileBytes, MappingEndsWithItsOwner) {
   char* pages = nullptr;
   unsigned char resident = 0;
   {
-    const FileBytes bytes = FileBytes::read(path, true);
+    const FileBytes bytes = FileBytes::read(path, {.map = true});
     pages = bytes.data;
     EXPECT_EQ(::mincore(pages, 1, &resident), 0);
   }
