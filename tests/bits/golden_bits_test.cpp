@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "kelp/parser/treeparser.h"
-#include "tests/support/figures.h"
 #include "tests/support/goldenbits.h"
 #include "tests/support/numberreference.h"
 

@@ -1,8 +1,9 @@
 // Reads scene files in all ways, uses everything that came out, and releases it: for sanitizers
 // that GoogleTest and the standard streams, which are not built with them, would confuse.
 //
-//   readall FILE...
+//   readall < NAMES    one name of a file a line
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <string>
 
@@ -120,10 +121,15 @@ void readAll(const char* path, Totals& totals) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main() {
   Totals totals;
-  for (int i = 1; i < argc; ++i) readAll(argv[i], totals);
-  std::printf("%d files read, %lld parses, %lld trees, %lld nodes; used %llx\n", argc - 1,
+  long long files = 0;
+  char path[4096];
+  for (; std::fgets(path, sizeof path, stdin) != nullptr; ++files) {
+    path[std::strcspn(path, "\n")] = '\0';
+    readAll(path, totals);
+  }
+  std::printf("%lld files read, %lld parses, %lld trees, %lld nodes; used %llx\n", files,
               totals.parses, totals.trees, totals.nodes,
               static_cast<unsigned long long>(totals.used));
   return totals.trees > 0 ? 0 : 1;
