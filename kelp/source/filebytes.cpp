@@ -18,6 +18,9 @@ namespace Kelp {
 
 namespace {
 
+constexpr int kWritable = PROT_READ | PROT_WRITE;
+constexpr int kAnonymous = MAP_PRIVATE | MAP_ANONYMOUS;
+
 [[noreturn]] void throwUnreadable(const std::string& path, const char* reason) {
   const std::string message = "Cannot read \"" + path + "\": " + reason;
   throw InvalidSourceFile(CharString(message.c_str()));
@@ -122,18 +125,23 @@ void FileBytes::_readAll(int descriptor, const std::string& path, size_t atMost)
 }
 
 void FileBytes::_map(int descriptor, size_t fileSize, const std::string& path) {
-  // The file's whole pages go over the start of an anonymous mapping, the rest is read behind them:
-  // zero bytes follow the file whatever its size is, even when it grows later.
+  // The file's whole pages are followed by anonymous ones, which the rest is read into: zero bytes
+  // follow the file whatever its size is, even when it grows later.
   const auto page = static_cast<size_t>(::sysconf(_SC_PAGESIZE));
   const size_t inPages = fileSize / page * page;
   const size_t whole = inPages + 2 * page;
-  void* area = ::mmap(nullptr, whole, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  if (area == MAP_FAILED) throw std::bad_alloc();
+  const bool hasPages = inPages > 0;
+  void* area = hasPages ? ::mmap(nullptr, whole, PROT_READ, MAP_PRIVATE, descriptor, 0)
+                        : ::mmap(nullptr, whole, kWritable, kAnonymous, -1, 0);
+  if (area == MAP_FAILED && errno == ENOMEM) throw std::bad_alloc();
+  if (area == MAP_FAILED) throwUnreadable(path, errno);
   data = static_cast<char*>(area);
-  mappedBytes = whole;
-  if (inPages > 0) {
-    void* mapped = ::mmap(area, inPages, PROT_READ, MAP_PRIVATE | MAP_FIXED, descriptor, 0);
-    if (mapped == MAP_FAILED) throwUnreadable(path, errno);
+  mappedBytes = hasPages ? inPages : whole;
+  if (hasPages) {
+    // When this fails the pages may be gone and belong to somebody else: not ours to unmap.
+    void* rest = ::mmap(data + inPages, whole - inPages, kWritable, kAnonymous | MAP_FIXED, -1, 0);
+    if (rest == MAP_FAILED) throw std::bad_alloc();  // unreachable: as many pages were there before
+    mappedBytes = whole;
   }
   size = inPages;
   while (size < fileSize) {

@@ -162,3 +162,11 @@ TEST(FileBytes, MadeFromAnotherTakesItsBytes) {
   EXPECT_EQ(second.data, data);
   EXPECT_EQ(std::string_view(second.data, second.size), "abc");
 }
+
+TEST(FileBytes, WhatIsMappedWhereAMappingFailedStaysMapped) {
+  // The first exception of a thread takes memory for itself, which must not go with the bytes.
+  const KelpTest::TemporaryFiles files;
+  for (int i = 0; i < 100; ++i) {
+    std::thread([] { EXPECT_NE(readError("/sys/devices/system/cpu/online", true), ""); }).join();
+  }
+}
