@@ -9,7 +9,7 @@ EXAMPLE := examples/kitchen.scene
 
 .DEFAULT_GOAL := build
 .PHONY: setup build release debug sanitize run test test-sanitize format format-check check-includes \
-        tidy bench fuzz install clean
+        tidy bench growth fuzz proof install clean
 
 # $(call build,PRESET[,TARGET]) configures a preset and builds all of it, or one target.
 define build
@@ -56,6 +56,15 @@ bench: setup
 
 fuzz: setup
 	scripts/fuzz $(FUZZ_SECONDS)
+
+# Whether twice of anything takes more than about twice as long.
+growth: setup
+	$(call build,release,kelp_growth)
+	build/release/bench/kelp_growth
+
+# Everything that is promised in docs/reliability.md, proved anew; takes about an hour.
+proof: setup
+	scripts/proof
 
 install: release
 	cmake --install build/release --prefix $(PREFIX)
