@@ -90,8 +90,6 @@ void TransformHexExpressionAST::deleteThis() {
 
 template <class T>
 void ListTypeExpressionAST<T>::deleteThis() {
-  sourceDir.freeMem();
-  elements.free();
   delete this;
 }
 
