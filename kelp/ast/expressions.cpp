@@ -90,6 +90,8 @@ void TransformHexExpressionAST::deleteThis() {
 
 template <class T>
 void ListTypeExpressionAST<T>::deleteThis() {
+  sourceDir.freeMem();
+  elements.free();
   delete this;
 }
 
