@@ -11,14 +11,16 @@ namespace Kelp {
 namespace {
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr size_t kReserve = 256 * 1024;
+#define KELP_LARGE_FRAMES
 #elif defined(__has_feature)
 #if __has_feature(address_sanitizer) || __has_feature(memory_sanitizer) || \
     __has_feature(thread_sanitizer)
-constexpr size_t kReserve = 256 * 1024;
-#else
-constexpr size_t kReserve = 128 * 1024;
+#define KELP_LARGE_FRAMES
 #endif
+#endif
+
+#ifdef KELP_LARGE_FRAMES
+constexpr size_t kReserve = 256 * 1024;
 #else
 constexpr size_t kReserve = 128 * 1024;
 #endif

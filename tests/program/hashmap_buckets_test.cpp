@@ -1,11 +1,22 @@
 // The table of buckets as its readers see it.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 
 #include "kelp/program/hashmap.h"
 
 using namespace Kelp;
+
+TEST(HashMapBuckets, NumbersOfBucketsAreTheseAndNoOthers) {
+  const int32_t numbers[] = {
+      13,      29,      59,       127,      257,      521,       1049,      2099,      4201,
+      8419,    16843,   33703,    67409,    134837,   269683,    539389,    1078787,   2157587,
+      4315183, 8630387, 17260781, 34521589, 69043189, 138086407, 276172823, 552345671, 1104691373};
+  EXPECT_TRUE(std::equal(std::begin(numbers), std::end(numbers), std::begin(recommended_hash_sizes),
+                         std::end(recommended_hash_sizes)));
+}
 
 TEST(HashMapBuckets, EntriesComeFromBlocksOfAThousand) {
   HashMap<int, 1> map;
