@@ -54,12 +54,6 @@ TEST_F(IncludeLookup, TextWithoutANameLooksInTheCurrentDirectory) {
             "error: Cannot read \"there is no such file\": No such file or directory");
 }
 
-TEST_F(IncludeLookup, TextsAndDevicesHaveNoIdentityToBeConfused) {
-  const std::string text = "a\n#include \"/dev/null\"\nb";
-  reader.openText(text.data(), static_cast<int64_t>(text.size()), nullptr);
-  EXPECT_EQ(KelpTest::remainingTokens(scanner), "id:a id:b");
-}
-
 TEST_F(IncludeLookup, IncludedFileThatIncludesItselfIsACycle) {
   const std::string included = files.write("a.inc", "a\n#include \"a.inc\"\n");
   EXPECT_EQ(tokensOfInclude("#include \"a.inc\"\n"),
