@@ -13,6 +13,7 @@ TEST(ErrorText, FirstByteOfATwoByteControlBeforeAnOtherCharacterIsKept) {
   EXPECT_EQ(Scene::fromText("5", "\xC2x\xC2\xC0").error().position(), "\xC2x\xC2\xC0:1:1");
 }
 
-TEST(ErrorText, TwoByteControlAtTheEndIsMadeHarmless) {
+TEST(ErrorText, TwoByteControlAtEitherEndIsMadeHarmless) {
+  EXPECT_EQ(Scene::fromText("5", "\xC2\x9Bname").error().position(), "?name:1:1");
   EXPECT_EQ(Scene::fromText("5", "name\xC2\x9B").error().position(), "name?:1:1");
 }

@@ -3,6 +3,7 @@
 
 #include "kelp/utils/charstring.h"
 #include "kelp/utils/ptrarray.h"
+#include "tests/support/allocations.h"
 
 using namespace Kelp;
 
@@ -20,6 +21,17 @@ TEST(EmptyHandles, AssignedEmptyArrayEmptiesTheOther) {
   some = none;
   EXPECT_EQ(some.data, nullptr);
   EXPECT_EQ(some.count, 0);
+}
+
+TEST(EmptyHandles, NewArrayGivesTheOldOneBack) {
+  const int64_t before = KelpTest::liveAllocations();
+  {
+    PtrArray<int> array;
+    array.allocArray(3);
+    array.allocArray(4);
+    EXPECT_EQ(KelpTest::liveAllocations(), before + 1);
+  }
+  EXPECT_EQ(KelpTest::liveAllocations(), before);
 }
 
 TEST(EmptyHandles, BufferWithoutRoomTakesAText) {
