@@ -62,7 +62,7 @@ growth: setup
 	$(call build,release,kelp_growth)
 	build/release/bench/kelp_growth
 
-# Everything that is promised in docs/reliability.md, proved anew; takes about an hour.
+# Everything that is promised in docs/reliability.md, proved anew; takes long.
 proof: setup
 	scripts/proof
 

@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "tests/support/dirt.h"
 #include "tests/support/rows.h"
 #include "tests/support/sexpression.h"
 #include "tests/support/trees.h"
@@ -12,70 +13,20 @@ using namespace KelpTest;
 
 namespace {
 
-// Something for a pointer field that nobody may follow.
-template <class T>
-T* rubbish() {
-  return reinterpret_cast<T*>(uintptr_t{0xdeadbeef0});
-}
-
-// Puts an element with rubbish in it on top of the pool, and gives its address.
-template <class Node, class Spoil>
-Node* spoilNext(const Spoil& spoil) {
+// The element that a pool hands out next, with something in all of its fields.
+template <class Node>
+Node* soiledNext() {
+  leaveDirtInPools(1);
   Node* node = Node::pool.newElement();
-  spoil(*node);
   Node::pool.freeElement(node);
   return node;
-}
-
-void spoilString(StringExpressionAST& node, int ownsText) {
-  node.directory = "stale directory";
-  node.text = "stale text";
-  for (uint64_t& word : node.span) word = 0xdeadbeef;
-  node.spanLength = 99;
-  node.ownsText = ownsText;
-}
-
-void spoilObject(ObjectAST& object) {
-  object.firstProperty = rubbish<PropertyAST>();
-  object.lastProperty = rubbish<PropertyAST>();
-  object.type = "stale type";
-  object.name = "stale name";
-  object.next = rubbish<ObjectAST>();
-  object.extra = rubbish<void>();
-  object.filteredOut = 1;
-}
-
-void spoilProperty(PropertyAST& property) {
-  property.name = "stale name";
-  property.value = rubbish<ExpressionAST>();
-  property.file = "stale file";
-  property.line = 99;
-  property.next = rubbish<PropertyAST>();
-  property.extra = rubbish<void>();
-  property.records = rubbish<PropertyRecord>();
-}
-
-void spoilTable(InterpolateExpressionAST& table) {
-  table.first = rubbish<KeyList>();
-  table.last = rubbish<KeyList>();
-  table.count = 99;
-}
-
-void spoilPair(KeyList& pair) {
-  pair.key = rubbish<ExpressionAST>();
-  pair.value = rubbish<ExpressionAST>();
-  pair.next = rubbish<KeyList>();
-}
-
-template <class Children>
-void spoilChildren(Children& children) {
-  for (auto& child : children) child = rubbish<ExpressionAST>();
 }
 
 }  // namespace
 
 TEST(DirtyPool, AShortString) {
-  auto* node = spoilNext<StringExpressionAST>([](auto& used) { spoilString(used, 0); });
+  auto* node = soiledNext<StringExpressionAST>();
+  node->ownsText = 0;
   ParsedExpression parsed("\"text\"");
   ASSERT_EQ(parsed.tree.get(), node);
   EXPECT_STREQ(node->directory.chars(), "scenes");
@@ -86,7 +37,8 @@ TEST(DirtyPool, AShortString) {
 }
 
 TEST(DirtyPool, ALongString) {
-  auto* node = spoilNext<StringExpressionAST>([](auto& used) { spoilString(used, 1); });
+  auto* node = soiledNext<StringExpressionAST>();
+  node->ownsText = 1;
   ParsedExpression parsed("\"" + std::string(2000, 'x') + "\"");
   ASSERT_EQ(parsed.tree.get(), node);
   EXPECT_STREQ(node->directory.chars(), "scenes");
@@ -97,11 +49,7 @@ TEST(DirtyPool, ALongString) {
 }
 
 TEST(DirtyPool, ATransformHex) {
-  auto* node = spoilNext<TransformHexExpressionAST>([](auto& used) {
-    used.count = 99;
-    for (uint64_t& word : used.textRef) word = 0xdeadbeef;
-    used.textLength = 99;
-  });
+  auto* node = soiledNext<TransformHexExpressionAST>();
   ParsedExpression parsed("TransformHex(1234)");
   ASSERT_EQ(parsed.tree.get(), node);
   EXPECT_EQ(node->count, 1);
@@ -110,10 +58,7 @@ TEST(DirtyPool, ATransformHex) {
 }
 
 TEST(DirtyPool, AnObjectReference) {
-  auto* node = spoilNext<ObjectReferenceAST>([](auto& used) {
-    used.name = "stale";
-    used.object = rubbish<ObjectAST>();
-  });
+  auto* node = soiledNext<ObjectReferenceAST>();
   ParsedExpression parsed("a");
   ASSERT_EQ(parsed.tree.get(), node);
   EXPECT_STREQ(node->name.chars(), "a");
@@ -121,8 +66,7 @@ TEST(DirtyPool, AnObjectReference) {
 }
 
 TEST(DirtyPool, AnInterpolationTable) {
-  auto* table = spoilNext<InterpolateExpressionAST>(spoilTable);
-  spoilNext<KeyList>(spoilPair);
+  auto* table = soiledNext<InterpolateExpressionAST>();
   ParsedExpression parsed("interpolate((1, 2))");
   ASSERT_EQ(parsed.tree.get(), table);
   EXPECT_EQ(table->count, 1);
@@ -132,31 +76,25 @@ TEST(DirtyPool, AnInterpolationTable) {
 }
 
 TEST(DirtyPool, AnInterpolationTableThatFailsAtOnce) {
-  spoilNext<InterpolateExpressionAST>(spoilTable);
+  soiledNext<InterpolateExpressionAST>();
   EXPECT_EQ(parsedExpression("interpolate()"), "error: Expected \"(\" to begin interpolate pair");
 }
 
 TEST(DirtyPool, NodesOfFixedChildren) {
-  spoilNext<VectorExpressionAST>([](auto& used) {
-    spoilChildren(used.components);
-    used.kind = VALUE_TYPE{99};
-  });
+  soiledNext<VectorExpressionAST>();
   EXPECT_EQ(parsedExpression("Color(1, 2, 3)"), "(col 1 2 3)");
-  spoilNext<AColorExpressionAST>([](auto& used) { spoilChildren(used.components); });
+  soiledNext<AColorExpressionAST>();
   EXPECT_EQ(parsedExpression("AColor(1, 2, 3, 4)"), "(acol 1 2 3 4)");
-  spoilNext<MatrixExpressionAST>([](auto& used) { spoilChildren(used.rows); });
+  soiledNext<MatrixExpressionAST>();
   EXPECT_EQ(parsedExpression("Matrix(1, 2, 3)"), "(mat 1 2 3)");
-  spoilNext<TransformExpressionAST>([](auto& used) {
-    used.matrix = rubbish<ExpressionAST>();
-    used.offset = rubbish<ExpressionAST>();
-  });
+  soiledNext<TransformExpressionAST>();
   EXPECT_EQ(parsedExpression("Transform(1, 2)"), "(xf 1 2)");
-  spoilNext<NegatedExpressionAST>([](auto& used) { used.operand = rubbish<ExpressionAST>(); });
+  soiledNext<NegatedExpressionAST>();
   EXPECT_EQ(parsedExpression("-1"), "(neg 1)");
 }
 
 TEST(DirtyPool, AnObject) {
-  auto* node = spoilNext<ObjectAST>(spoilObject);
+  auto* node = soiledNext<ObjectAST>();
   TextParser source("A {}");
   const auto_ast<ObjectAST> object(source.started().parseObject());
   ASSERT_EQ(object.get(), node);
@@ -170,14 +108,14 @@ TEST(DirtyPool, AnObject) {
 }
 
 TEST(DirtyPool, AnObjectThatFailsAtOnce) {
-  auto* node = spoilNext<ObjectAST>(spoilObject);
+  auto* node = soiledNext<ObjectAST>();
   EXPECT_EQ(parsedScene("5 {}"), "error: Expected identifier");
   EXPECT_TRUE(node->name.isNull());
   EXPECT_EQ(node->firstProperty, nullptr);
 }
 
 TEST(DirtyPool, AProperty) {
-  auto* node = spoilNext<PropertyAST>(spoilProperty);
+  auto* node = soiledNext<PropertyAST>();
   TextParser source("x = 1;");
   const auto_ast<PropertyAST> property(source.started().parseProperty());
   ASSERT_EQ(property.get(), node);
