@@ -39,8 +39,9 @@ void checkAsProperty(const std::string& text, double expected, Shortage& shortag
     } catch (const InvalidSourceFile&) {
     }
   });
-  if (!whole || program.get() == nullptr || program->firstObject == nullptr) return;
-  const PropertyAST* property = program->firstObject->firstProperty;
+  if (!whole || program.get() == nullptr) return;
+  // By its name: the text may end the object and begin others.
+  const PropertyAST* property = program->getObject("n")->firstProperty;
   const auto* number =
       property != nullptr ? dynamic_cast<NumberExpressionAST*>(property->value) : nullptr;
   if (number == nullptr || !startsWithPlainNumber(text)) return;
