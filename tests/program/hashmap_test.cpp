@@ -248,6 +248,14 @@ void textOfNumber(const int& value, char* buffer, int bufferSize) {
   std::snprintf(buffer, static_cast<size_t>(bufferSize), "number %d", value);
 }
 
+TEST(HashMap, StoredKeysGiveWayToDerivedOnesWhenTheMapIsResized) {
+  IntMap map;
+  for (int i = 0; i < 10; ++i) map._insert(&"any"[i % 3], i, nullptr);
+  map._resize_table(29, textOfNumber);
+  EXPECT_EQ(map._insert(nullptr, 2, textOfNumber).entry->value, 2);
+  EXPECT_EQ(map.count, 3);
+}
+
 TEST(HashMap, KeyFunctionDerivesKeysAndStoresNone) {
   IntMap map;
   for (int i = 0; i < 100; ++i) {
