@@ -30,7 +30,7 @@ class NextChild final : public DefaultVisitor {
   }
   void visit(BinaryExpressionAST& node) override {
     take(node.left);
-    ;
+    take(node.right);
   }
   void visit(ArrayExpressionAST& node) override {
     while (!node.indices.empty() && node.indices.back() == nullptr) node.indices.pop_back();
