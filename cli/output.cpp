@@ -5,7 +5,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -20,6 +22,52 @@ constexpr int kStandardOutput = 1;
 [[noreturn]] void throwFailure(const std::string& name, int error) {
   throw WriteFailure{fmt::format("Cannot write to {}: {}", name, std::strerror(error))};
 }
+
+// ---- signals -----------------------------------------------------------------------------------
+
+// What ends the program by default and may come while it writes.
+constexpr int kEndingSignals[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGXCPU, SIGXFSZ};
+
+// The temporary file to remove when one of them comes.
+std::atomic<const char*> unfinished{nullptr};
+
+extern "C" void removeUnfinished(int signal) {
+  const char* path = unfinished;
+  if (path != nullptr) ::unlink(path);
+  // Held back until this returns, and then handled as if nobody had been asked.
+  ::raise(signal);
+}
+
+// What is ignored, as under nohup, stays so.
+void handleEndingSignals() {
+  struct sigaction action {};
+  action.sa_handler = removeUnfinished;
+  action.sa_flags = static_cast<int>(SA_RESETHAND);
+  for (const int signal : kEndingSignals) {
+    struct sigaction before {};
+    const bool known = ::sigaction(signal, nullptr, &before) == 0;
+    if (known && before.sa_handler == SIG_DFL) ::sigaction(signal, &action, nullptr);
+  }
+}
+
+// Signals that come while this lives are handled when it ends.
+class SignalsHeldBack {
+ public:
+  SignalsHeldBack() {
+    sigset_t ending;
+    ::sigemptyset(&ending);
+    for (const int signal : kEndingSignals) ::sigaddset(&ending, signal);
+    ::sigprocmask(SIG_BLOCK, &ending, &before);
+  }
+  SignalsHeldBack(const SignalsHeldBack&) = delete;
+  SignalsHeldBack& operator=(const SignalsHeldBack&) = delete;
+  ~SignalsHeldBack() { ::sigprocmask(SIG_SETMASK, &before, nullptr); }
+
+ private:
+  sigset_t before;
+};
+
+// ---- files -------------------------------------------------------------------------------------
 
 // The mode that a new file gets.
 unsigned defaultMode() {
@@ -88,14 +136,19 @@ Destination::Destination(const std::string& path) {
 Destination::~Destination() {
   if (number != kStandardOutput) ::close(number);
   if (!temporary.empty()) ::unlink(temporary.c_str());
+  unfinished = nullptr;
 }
 
 // In the directory of the target, so that it can take the target's place in one step.
 void Destination::_openTemporary(unsigned mode) {
   std::string pattern = target + ".XXXXXX";
+  handleEndingSignals();
+  // A file that exists is one that a signal removes, and no other file is.
+  const SignalsHeldBack heldBack;
   number = ::mkostemp(pattern.data(), O_CLOEXEC);
   if (number < 0) throwFailure(shownName, errno);
   temporary = std::move(pattern);
+  unfinished = temporary.c_str();
   // The rights are a courtesy: some file systems have none to set.
   ::fchmod(number, mode);
 }
@@ -104,6 +157,7 @@ void Destination::complete() {
   if (temporary.empty()) return;
   const bool replaced = ::fsync(number) == 0 && ::rename(temporary.c_str(), target.c_str()) == 0;
   if (!replaced) throwFailure(shownName, errno);
+  unfinished = nullptr;
   temporary.clear();
 }
 

@@ -31,7 +31,8 @@ class DescriptorBuffer final : public std::streambuf {
 };
 
 /// Where an output goes: a descriptor, and for a regular file the temporary file beside it that
-/// takes its place in the end.
+/// takes its place in the end. A signal that ends the program removes that file first. One at a
+/// time.
 class Destination {
  public:
   /// An empty path or "-" means standard output. Throws WriteFailure.

@@ -33,6 +33,7 @@ std::string namedTimes(const std::string& piece, int count) {
 
 // Left operands, negations and components were lost when the node that was to hold them failed.
 TEST(HalfBuilt, SumOfEveryKindIsReleasedAtEveryPoint) {
+  const SurplusNodes surplus;
   const std::string sum = "1+2*-Vector(a.b[1],c,2)";
   const Workload parse = parsesOf({{"sum.scene", "A a { x = " + sum + "; }"}}).front();
   EXPECT_GT(failEveryRequest(parse, {1000}).failures, 10);

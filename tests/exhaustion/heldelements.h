@@ -1,6 +1,7 @@
 // Holds free elements of a node class, so that its pool runs out at a chosen one.
 #pragma once
 
+#include <algorithm>
 #include <vector>
 
 #include "kelp/utils/exceptions.h"
@@ -62,6 +63,23 @@ class FreeElements {
   }
 
   static inline int refusals = 0;
+};
+
+/// Leaves a pool few free elements (see SurplusNodes).
+template <class Node>
+class SurplusElements {
+ public:
+  SurplusElements() : surplus(count()) {}
+
+ private:
+  static constexpr int kFew = 2000;
+
+  static int count() {
+    FreeElements<Node>::findRefusals();
+    return std::max(0, FreeElements<Node>::count() - kFew);
+  }
+
+  HeldElements<Node> surplus;
 };
 
 }  // namespace KelpTest

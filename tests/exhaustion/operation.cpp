@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <climits>
 #include <new>
+#include <tuple>
 #include <type_traits>
 #include <typeinfo>
 #include <utility>
@@ -196,9 +197,18 @@ int64_t failEveryElementOf(const Workload& workload, bool persistent) {
 }
 
 template <class... Nodes>
-int64_t failEveryElementOfAll(const Workload& workload, bool persistent) {
-  return (failEveryElementOf<Nodes>(workload, persistent) + ...);
-}
+struct Classes {
+  using Surplus = std::tuple<SurplusElements<Nodes>...>;
+
+  static int64_t failEveryElement(const Workload& workload, bool persistent) {
+    return (failEveryElementOf<Nodes>(workload, persistent) + ...);
+  }
+};
+
+using AllClasses = Classes<NumberExpressionAST, StringExpressionAST, VectorExpressionAST,
+                           AColorExpressionAST, MatrixExpressionAST, TransformExpressionAST,
+                           TransformHexExpressionAST, ObjectReferenceAST, NegatedExpressionAST,
+                           InterpolateExpressionAST, KeyList, ObjectAST, PropertyAST>;
 
 }  // namespace
 
@@ -212,6 +222,14 @@ void Points::report(const std::string& layer, const std::string& kind) const {
   const std::string bytes = sceneBytes > 0 ? ", " + grouped(sceneBytes) + " bytes of scenes" : "";
   reportFigure(layer, grouped(failures) + " " + kind + " in two modes" + bytes);
 }
+
+struct SurplusNodes::Held {
+  AllClasses::Surplus surplus;
+};
+
+SurplusNodes::SurplusNodes() : held(std::make_unique<Held>()) {}
+
+SurplusNodes::~SurplusNodes() = default;
 
 void expectLeavesNothing(const Workload& unharmed, const std::function<void()>& run) {
   const Balance balance = Balance::of(unharmed);
@@ -245,12 +263,7 @@ Points failEveryElement(const Workload& workload) {
   expectSuccess(workload);
   Points run;
   for (const bool persistent : {false, true}) {
-    run.failures +=
-        failEveryElementOfAll<NumberExpressionAST, StringExpressionAST, VectorExpressionAST,
-                              AColorExpressionAST, MatrixExpressionAST, TransformExpressionAST,
-                              TransformHexExpressionAST, ObjectReferenceAST, NegatedExpressionAST,
-                              InterpolateExpressionAST, KeyList, ObjectAST, PropertyAST>(
-            workload, persistent);
+    run.failures += AllClasses::failEveryElement(workload, persistent);
   }
   EXPECT_GT(run.failures, 0) << workload.name << " never failed";
   run.sceneBytes = workload.sceneBytes;

@@ -64,6 +64,18 @@ struct Effort {
 /// Expects that `run` leaves nothing behind and that the same, unharmed, succeeds afterwards.
 void expectLeavesNothing(const Workload& unharmed, const std::function<void()>& run);
 
+/// Leaves the static pools few free elements while it lives. Tests that used millions leave them
+/// to all that follow, and to hold them back at every point anew would take hours.
+class SurplusNodes {
+ public:
+  SurplusNodes();
+  ~SurplusNodes();
+
+ private:
+  struct Held;
+  std::unique_ptr<Held> held;
+};
+
 /// Lets every heap request of the workload fail in turn, alone and with all that follow. Expects
 /// after each failure that nothing is left behind and that the same, unharmed, succeeds.
 Points failEveryRequest(const Workload& workload, const Effort& effort = {});

@@ -2,11 +2,22 @@
 // every element of a node class.
 #include <gtest/gtest.h>
 
+#include <memory>
+
 #include "tests/exhaustion/parsing.h"
 
 using namespace KelpTest;
 
 namespace {
+
+class ParseMemory : public testing::Test {
+ protected:
+  static void SetUpTestSuite() { surplus = std::make_unique<SurplusNodes>(); }
+  static void TearDownTestSuite() { surplus.reset(); }
+
+ private:
+  static inline std::unique_ptr<SurplusNodes> surplus;
+};
 
 // Without the scenes that ask for no nodes at all.
 std::vector<NamedScene> scenesWithObjects() {
@@ -28,20 +39,20 @@ const std::vector<NamedScene>& largeScenes() {
 
 }  // namespace
 
-TEST(ParseMemory, EveryRequestThatFailsLeavesNothing) {
+TEST_F(ParseMemory, EveryRequestThatFailsLeavesNothing) {
   Points points;
   const std::vector<NamedScene> scenes = allScenes();
   for (const Workload& parse : parsesOf(scenes)) points += failEveryRequest(parse, {12});
   points.report("memory A, scenes", "heap requests of parses");
 }
 
-TEST(ParseMemory, EveryRequestOfEveryRuleThatFailsLeavesNothing) {
+TEST_F(ParseMemory, EveryRequestOfEveryRuleThatFailsLeavesNothing) {
   Points points;
   for (const Workload& parse : parsesOfRules()) points += failEveryRequest(parse);
   points.report("memory A, rules", "heap requests of single rules");
 }
 
-TEST(ParseMemory, EveryBlockThatIsRefusedLeavesNothing) {
+TEST_F(ParseMemory, EveryBlockThatIsRefusedLeavesNothing) {
   Points points;
   const std::vector<NamedScene> scenes = scenesWithObjects();
   for (const Workload& parse : parsesOf(scenes)) points += failEveryBlock(parse);
@@ -49,7 +60,7 @@ TEST(ParseMemory, EveryBlockThatIsRefusedLeavesNothing) {
   points.report("memory B, blocks", "blocks of maps and scratch");
 }
 
-TEST(ParseMemory, EveryNodeThatIsRefusedLeavesNothing) {
+TEST_F(ParseMemory, EveryNodeThatIsRefusedLeavesNothing) {
   Points points;
   for (const NamedScene& scene : scenesWithObjects()) {
     points += failEveryElement(parsesOf({scene}).front());
@@ -57,13 +68,13 @@ TEST(ParseMemory, EveryNodeThatIsRefusedLeavesNothing) {
   points.report("memory B, nodes", "nodes of parses");
 }
 
-TEST(ParseMemory, EveryNodeOfAFailingSceneThatIsRefusedLeavesNothing) {
+TEST_F(ParseMemory, EveryNodeOfAFailingSceneThatIsRefusedLeavesNothing) {
   Points points;
   for (const Workload& parse : parsesOf(failingScenes())) points += failEveryElement(parse);
   points.report("memory B, failing scenes", "nodes of parses that fail anyway");
 }
 
-TEST(ParseMemory, EveryNodeOfEveryRuleThatIsRefusedLeavesNothing) {
+TEST_F(ParseMemory, EveryNodeOfEveryRuleThatIsRefusedLeavesNothing) {
   Points points;
   for (const Workload& parse : parsesOfRules()) points += failEveryElement(parse);
   points.report("memory B, rules", "nodes of single rules");

@@ -21,6 +21,17 @@ struct Settings {
   bool onSmallStack;
 };
 
+// One byte says which limits there are, the next ones how tight they are.
+void readLimits(ByteChoices& input, SceneOptions& options) {
+  const uint8_t bits = input.byte();
+  if ((bits & 1U) != 0) options.limits.maxBytes = 4 * (1 + input.byte());
+  if ((bits & 2U) != 0) options.limits.maxIncludes = 1 + input.byte();
+  if ((bits & 4U) != 0) options.limits.maxStringLength = input.byte();
+  if ((bits & 8U) != 0) options.maxObjects = 1 + input.byte();
+  options.limits.confine = (bits & 16U) != 0;
+  if ((bits & 32U) != 0) options.includePaths.push_back(KELP_SOURCE_DIR "/tests/fuzz/includes");
+}
+
 Settings readSettings(ByteChoices& input) {
   Settings settings;
   const uint8_t bits = input.byte();
@@ -32,10 +43,12 @@ Settings readSettings(ByteChoices& input) {
   if ((bits & 16U) != 0) settings.options.lastFrame = 24;
   settings.onSmallStack = bits >> 5U == 7;
   settings.options.maxNestingDepth = depth;  // 0: only the stack counts
+  if (bits >> 5U == 4 || bits >> 5U == 5) readLimits(input, settings.options);
   return settings;
 }
 
-// Includes are taken from one folder; inputs that would reach out of it are not tried.
+// Includes are taken from one folder; inputs that would reach out of it are not tried, unless the
+// reader refuses them anyway.
 bool leavesFolder(const std::string& text) {
   constexpr char kWord[] = "#include";
   for (size_t at = text.find(kWord); at != std::string::npos; at = text.find(kWord, at + 1)) {
@@ -66,6 +79,15 @@ std::string outcomeOf(const Scene& scene, const Settings& settings) {
   return out.str();
 }
 
+void expectLimitsKept(const Scene& scene, const SceneOptions& options) {
+  if (!scene) return;
+  const int64_t bytes = scene.reader().bytesRead();
+  const int64_t objects = scene.program()->numObjects;
+  const SourceLimits& limits = options.limits;
+  expectThat("maxBytes", limits.maxBytes == 0 || bytes <= limits.maxBytes);
+  expectThat("maxObjects", options.maxObjects == 0 || objects <= options.maxObjects);
+}
+
 }  // namespace
 
 int fuzzText(const uint8_t* data, size_t size) {
@@ -74,7 +96,7 @@ int fuzzText(const uint8_t* data, size_t size) {
   Shortage shortage(input);
   const Settings settings = readSettings(input);
   const std::string text = input.rest();
-  if (leavesFolder(text)) return 0;
+  if (!settings.options.limits.confine && leavesFolder(text)) return 0;
   const NodeBalance balance;
   if (settings.onSmallStack) {
     runOnStackOf(kSmallStack, [&] { shortage.run([&] { readScene(text, settings); }); });
@@ -84,7 +106,10 @@ int fuzzText(const uint8_t* data, size_t size) {
   for (std::string& outcome : outcomes) {
     Scene scene;
     const bool whole = shortage.run([&] { scene = readScene(text, settings); });
-    if (whole) outcome = outcomeOf(scene, settings);
+    if (whole) {
+      expectLimitsKept(scene, settings.options);
+      outcome = outcomeOf(scene, settings);
+    }
     scene = Scene();
     balance.expectRestored(shortage);
   }

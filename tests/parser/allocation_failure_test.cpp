@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "tests/exhaustion/heldelements.h"
 #include "tests/support/balance.h"
 #include "tests/support/richscenes.h"
 #include "tests/support/sexpression.h"
@@ -63,35 +64,15 @@ void expectSurvivesEveryFailure(const std::string& scene, Outcome good) {
   }
 }
 
-// Holds all free elements of a pool, so that the next one needs a new block.
-template <class Node>
-class DrainedPool {
- public:
-  DrainedPool() {
-    constexpr int kBlock = 1000;
-    const int held = Node::pool.blockCount() * kBlock - Node::pool.liveCount() - lostRequests;
-    for (int i = 0; i < held; ++i) nodes.push_back(Node::pool.newElement());
-  }
-  DrainedPool(const DrainedPool&) = delete;
-  DrainedPool& operator=(const DrainedPool&) = delete;
-  ~DrainedPool() {
-    for (Node* node : nodes) Node::pool.freeElement(node);
-  }
-
-  /// Refused requests stay counted as live.
-  static inline int lostRequests = 0;
-
- private:
-  std::vector<Node*> nodes;
-};
-
 template <class Node>
 void expectSurvivesAnEmptyPool(const std::string& scene) {
   SCOPED_TRACE(scene);
+  const SurplusElements<Node> surplus;
   int refused = 0;
   bool failed = true;
   for (int64_t n = 1; failed; ++n) {
-    const DrainedPool<Node> drained;
+    // The next one needs a new block.
+    const HeldElements<Node> drained(FreeElements<Node>::count());
     const int live = Node::pool.liveCount();
     const int others = livePoolElements() - live;
     TextParser source(scene);
@@ -100,7 +81,7 @@ void expectSurvivesAnEmptyPool(const std::string& scene) {
     ASSERT_TRUE(lost == 0 || (lost == 1 && outcome == Outcome::kExceptionMsg));
     EXPECT_EQ(livePoolElements() - Node::pool.liveCount(), others);
     refused += lost;
-    DrainedPool<Node>::lostRequests -= lost;
+    if (lost == 1) FreeElements<Node>::noteRefusal();
   }
   EXPECT_GE(refused, 1);
   EXPECT_FALSE(parsedScene(scene).starts_with("error"));

@@ -248,6 +248,15 @@ void textOfNumber(const int& value, char* buffer, int bufferSize) {
   std::snprintf(buffer, static_cast<size_t>(bufferSize), "number %d", value);
 }
 
+TEST(HashMap, StoredKeysGiveWayToDerivedOnesWhenTheMapIsResized) {
+  IntMap map;
+  for (int i = 0; i < 10; ++i) map._insert(&"any"[i % 3], i, nullptr);
+  map._resize_table(29, textOfNumber);
+  for (const char* key : {"number 0", "number 1", "number 2"}) {
+    EXPECT_NE(map._findInBucket(map._bucketOf(key), key, textOfNumber), nullptr);
+  }
+}
+
 TEST(HashMap, KeyFunctionDerivesKeysAndStoresNone) {
   IntMap map;
   for (int i = 0; i < 100; ++i) {

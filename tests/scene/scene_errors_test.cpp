@@ -126,6 +126,13 @@ TEST(SceneErrors, TokenAndReaderMayStandInDifferentFiles) {
   EXPECT_EQ(scene.error().line, 3);
 }
 
+TEST(SceneErrors, FirstLineOfAnIncludedFileIsShownWithThatFile) {
+  const TemporaryFiles files;
+  const std::string main = files.write("a.scene", "A a {\n#include \"b.inc\"\n  = ;\n}");
+  const std::string included = files.write("b.inc", "y :");
+  EXPECT_EQ(Scene::fromFile(main).error().position(), included + ":1:3");
+}
+
 TEST(SceneErrors, IncludeThatEndsBetweenANameAndItsEqualsSign) {
   const TemporaryFiles files;
   const std::string main = files.write("a.scene", "A a {\n#include \"b.inc\"\n\n= 1;\n}");

@@ -170,3 +170,10 @@ TEST(FileBytes, WhatIsMappedWhereAMappingFailedStaysMapped) {
     std::thread([] { EXPECT_NE(readError("/sys/devices/system/cpu/online", true), ""); }).join();
   }
 }
+
+TEST(FileBytes, CopyOfMoreBytesThanThereAreAddressesIsRefused) {
+  // Nor may the padding carry the sum over to a small one.
+  for (const size_t size : {SIZE_MAX, SIZE_MAX - 10, SIZE_MAX / 2}) {
+    EXPECT_THROW(FileBytes::copy("", size), std::bad_alloc);
+  }
+}

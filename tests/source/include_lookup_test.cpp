@@ -67,6 +67,16 @@ TEST_F(IncludeLookup, IncludedFileThatIncludesAnOuterOneIsACycle) {
             "id:a id:b error: File \"" + files.path("main.scene") + "\" includes itself");
 }
 
+// File systems number their files each for itself.
+TEST_F(IncludeLookup, FileOfTheSameNumberOnAnotherDeviceIsNoCycle) {
+  const std::string path = files.write("main.scene", "a\n#include \"main.scene\"\n");
+  reader.openFile(path.c_str());
+  const_cast<Source*>(reader.position.source)->device += 1;
+  // The included one lies where it did, so that it is the one that includes itself.
+  EXPECT_EQ(KelpTest::remainingTokens(scanner),
+            "id:a id:a error: File \"" + path + "\" includes itself");
+}
+
 TEST_F(IncludeLookup, SourceKnowsTheIdentityOfItsFile) {
   const std::string path = files.write("a.scene", "a");
   struct stat status {};

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <chrono>
+#include <filesystem>
 #include <string>
 #include <thread>
 
@@ -11,6 +13,7 @@
 #include "tests/support/tokenlist.h"
 
 using namespace Kelp;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -124,6 +127,39 @@ TEST_F(ReaderLimits, FileThatChangedIsReadAgain) {
   EXPECT_EQ(tokensOf("#include \"b\""), "id:behind id:it");
 }
 
+TEST_F(ReaderLimits, FileThatWasReplacedIsReadAgain) {
+  namespace fs = std::filesystem;
+  const std::string path = files.write("b", "before");
+  const auto stamp = fs::last_write_time(path);
+  const auto sameBut = [&](const char* text, std::chrono::nanoseconds later) {
+    const std::string other = files.write("other", text);
+    fs::last_write_time(other, stamp + later);
+    fs::rename(other, path);
+  };
+  EXPECT_EQ(tokensOf("#include \"b\""), "id:before");
+  sameBut("behind", {});
+  EXPECT_EQ(tokensOf("#include \"b\""), "id:behind");
+  fs::remove(path);
+  fs::create_symlink("/proc/sys/kernel/ostype", path);  // on another device
+  EXPECT_EQ(tokensOf("#include \"b\""), "id:Linux");
+  fs::remove(path);
+  EXPECT_EQ(tokensOf("#include \"b\""),
+            "error: Cannot read \"" + path + "\": No such file or directory");
+}
+
+TEST_F(ReaderLimits, FileThatWasWrittenAnewIsReadAgain) {
+  const std::string path = files.write("b", "before");
+  EXPECT_EQ(tokensOf("#include \"b\""), "id:before");
+  const auto stamp = std::filesystem::last_write_time(path);
+  const auto written = [&](const char* text, std::chrono::nanoseconds later) {
+    files.write("b", text);
+    std::filesystem::last_write_time(path, stamp + later);
+    return tokensOf("#include \"b\"");
+  };
+  EXPECT_EQ(written("behind", 1ns), "id:behind");
+  EXPECT_EQ(written("beyond", 1ns + 1s), "id:beyond");
+}
+
 TEST_F(ReaderLimits, PipesAndDevicesAreNotIncluded) {
   // Opening this pipe would wait for a writer, and the device never ends.
   ASSERT_EQ(::mkfifo(files.path("pipe").c_str(), 0600), 0);
@@ -192,6 +228,12 @@ TEST_F(Confined, LinksLeadWhereTheyPointTo) {
   EXPECT_EQ(included("folder/far"), refused(inScene("folder/far")));
   EXPECT_EQ(included("../other/back"), "id:in");
   EXPECT_EQ(included("loop"), refused(inScene("loop")));
+}
+
+TEST_F(Confined, TextInAFolderThatIsNotThereIncludesNothing) {
+  const std::string text = "#include \"" + files.path("other/far") + "\"";
+  reader.openText(text.data(), static_cast<int64_t>(text.size()), "no such folder/main.scene");
+  EXPECT_EQ(KelpTest::remainingTokens(scanner), refused(files.path("other/far")));
 }
 
 TEST_F(Confined, IncludePathsAreAllowedToo) {

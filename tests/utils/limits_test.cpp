@@ -76,6 +76,14 @@ TEST(Limits, TextsThatAreTooLongAreRefusedAsOutOfMemory) {
   EXPECT_THROW(makeCharString("a", tooLong.chars(), nullptr), std::bad_alloc);
 }
 
+// It takes gigabytes.
+TEST(Limits, LongestTextIsTaken) {
+  const size_t length = hasTimeForAll() ? kIntMax - 1 : kIntMax >> 10U;
+  const RepeatedText longest(length);
+  const CharString taken(longest.chars());
+  EXPECT_EQ(taken.length(), static_cast<int>(length));
+}
+
 TEST(Limits, TablesOfTooManyItemsAreRefusedUnchanged) {
   Table<char> table;
   table += 'a';

@@ -9,6 +9,8 @@
 #include <random>
 #include <string>
 
+#include "tests/support/placement.h"
+
 using Kelp::NumberText;
 
 namespace {
@@ -72,6 +74,11 @@ TEST(NumberText, FloatWhoseShortestDigitsRoundTwiceGetsMoreDigits) {
             std::bit_cast<uint32_t>(value));
   EXPECT_EQ(std::bit_cast<uint32_t>(std::strtof(text.c_str(), nullptr)),
             std::bit_cast<uint32_t>(value));
+}
+
+TEST(NumberText, WhatStoodInTheMemoryBeforeIsNotRead) {
+  KelpTest::Placed<NumberText> text('9', 0.1F);
+  EXPECT_EQ(text->view(), "0.1");
 }
 
 TEST(NumberText, AnyBitsReadBackToThemselves) {
