@@ -39,7 +39,7 @@ class RepeatedText {
       mmap(text + i * kChunk, kChunk, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_FIXED, file, from);
     }
     close(file);
-    std::fill_n(text, kChunk, 'x');
+    if (chunks > 1) std::fill_n(text, kChunk, 'x');
     std::fill_n(text + (chunks - 1) * kChunk, length % kChunk, 'x');
   }
   RepeatedText(const RepeatedText&) = delete;
