@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdint>
 
 #include "tests/support/figures.h"
 #include "tests/support/trees.h"
@@ -18,6 +19,7 @@ struct HugeScene {
     std::string text = "A a { x = " + before + "\"";
     text.append(characters, '7');
     text += "\"" + behind + "; }";
+    reader.limits.maxStringLength = INT64_MAX;  // by default the reader takes no such text
     reader.openText(text.data(), static_cast<int64_t>(text.size()), "scenes/test.scene");
     std::string().swap(text);
     try {
@@ -70,4 +72,16 @@ TEST(HugeText, LongestStringThatIsTakenHasItsLength) {
   EXPECT_EQ(string.span[1], length);
   EXPECT_EQ(string.spanLength, static_cast<int32_t>(length));
   EXPECT_GT(string.spanLength, 0);
+}
+
+TEST(HugeText, ColumnBehindItIsTheLastThatAnIntCounts) {
+  HugeScene scene("ListIntHex(", kBase + 1000, ") nonsense");
+  EXPECT_EQ(scene.program.get(), nullptr);
+  // In front of the quotes and behind the text there are a few characters more.
+  const int column = scene.scanner.locate(1).column;
+  if (hasTimeForAll()) {
+    EXPECT_EQ(column, INT_MAX);
+  } else {
+    EXPECT_EQ(column, static_cast<int>(kBase) + 1000 + 26);
+  }
 }
