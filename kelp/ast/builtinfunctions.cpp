@@ -54,14 +54,19 @@ float RandomGenerator::drawSeed() {
 }
 
 int BuiltinFunctionAST::getBuiltinFunctionID(const char* name, int* numArgs) {
+  const BuiltinFunction* function = findFunction(name);
+  if (function == nullptr) return 0;
+  *numArgs = function->numArgs;
+  return function->id;
+}
+
+const BuiltinFunction* BuiltinFunctionAST::findFunction(std::string_view name) {
   const auto* end = std::end(kFunctions);
   const auto* found = std::lower_bound(std::begin(kFunctions), end, name,
-                                       [](const BuiltinFunction& function, const char* wanted) {
-                                         return std::strcmp(function.name, wanted) < 0;
+                                       [](const BuiltinFunction& function, std::string_view wanted) {
+                                         return std::string_view(function.name) < wanted;
                                        });
-  if (found == end || std::strcmp(found->name, name) != 0) return 0;
-  *numArgs = found->numArgs;
-  return found->id;
+  return found != end && found->name == name ? found : nullptr;
 }
 
 const BuiltinFunction* BuiltinFunctionAST::findFunction(int id) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "kelp/ast/ast.h"
 
@@ -42,6 +43,9 @@ class BuiltinFunctionAST final : public ExpressionAST {
   /// The id of the function of that name and, through numArgs, how many arguments it takes;
   /// 0 for an unknown name, and then numArgs is left alone.
   static int getBuiltinFunctionID(const char* name, int* numArgs);
+
+  /// The function of that name, null when there is none. Lives for ever.
+  static const BuiltinFunction* findFunction(std::string_view name);
 
   /// The table row of an id, null for an unknown one. Lives for ever.
   static const BuiltinFunction* findFunction(int id);

@@ -1,12 +1,13 @@
 // Takes recorded references back when the rule that recorded them fails.
 #pragma once
 
-#include "kelp/parser/treeparser.h"
+#include "kelp/utils/charstring.h"
+#include "kelp/utils/table.h"
 
 namespace Kelp {
 
 /// The nodes of a failed rule die with it, and the table must not point into them.
-class TreeParser::ReferenceRollback {
+class ReferenceRollback {
  public:
   explicit ReferenceRollback(Table<CharString*, 100>& recordedNames)
       : names(recordedNames), countBefore(recordedNames.count) {}

@@ -1,42 +1,74 @@
-// The frame that every rule stands on: the token ring, accepting and expecting, errors.
 #include "kelp/parser/treeparser.h"
+
+#include <string>
+
+#include "kelp/parser/directparser.h"
+#include "kelp/parser/grammar_calls.h"
+#include "kelp/parser/grammar_expressions.h"
+#include "kelp/parser/grammar_lists.h"
+#include "kelp/parser/grammar_program.h"
+#include "kelp/parser/grammar_references.h"
+#include "kelp/parser/grammar_values.h"
+#include "kelp/utils/exclusiveuse.h"
 
 namespace Kelp {
 
-void TreeParser::scanAheadToken(bool skipScanAhead) {
-  if (lookahead >= 0) {
-    current = lookahead;
-    lookahead = -1;
-  } else {
-    tokens[current].reset();
-    scanner->scan(tokens[current]);
-  }
-  if (_at(TOKEN_END)) return;
-  lookahead = (current + 1) % 2;
-  Token& ahead = tokens[lookahead];
-  ahead.reset();
-  if (skipScanAhead) {
-    scanner->skipScan(ahead);
-  } else {
-    scanner->scan(ahead);
-  }
-}
+template class Grammar<TokenRing>;
 
-int TreeParser::_accept(TOKENTYPE type) {
-  if (!_at(type)) {
-    _currentToken().getSpelling();  // refused tokens are left terminated for messages
-    return 0;
-  }
+ProgramAST* TreeParser::parseProgram() {
+  // program := { object } end
+  const ExclusiveUse use;
   scanAheadToken(false);
-  return 1;
+  ReferenceRollback references(referenceNames);
+  auto_ast<ProgramAST> program(new ProgramAST);
+  try {
+    _parseObjects(program.get());
+    references.keep();
+    return program.release();
+  } catch (const InvalidSyntaxException& error) {
+    setError(CharString(error.message.chars()));
+  } catch (const InvalidSourceFile& error) {
+    setError(CharString(error.message.chars()));
+  }
+  return nullptr;
 }
 
-void TreeParser::_expect(TOKENTYPE type, Message message, const char* word) {
-  if (_accept(type) == 0) _fail(message, word);
+void TreeParser::_parseObjects(ProgramAST* program) {
+  const int64_t most = maxObjects > 0 ? maxObjects : INT64_MAX;
+  for (int64_t objects = 0; !_at(TOKEN_END);) {
+    if (objects >= most) _fail(Message::kTooManyObjects, std::to_string(maxObjects).c_str());
+    const int64_t plain = _addPlainObjects(program, most - objects);
+    objects += plain;
+    if (plain > 0) continue;
+    _addObject(program, parseObject());
+    ++objects;
+  }
 }
 
-void TreeParser::_fail(Message message, const char* word) {
-  throw InvalidSyntaxException(messageText(message, word));
+// Reads objects as long as they are plain text; gives their number.
+int64_t TreeParser::_addPlainObjects(ProgramAST* program, int64_t most) {
+  if (!DirectParser::isPossible(*this)) return 0;
+  DirectParser direct(*this);
+  int64_t objects = 0;
+  for (; objects < most; ++objects) {
+    ObjectAST* object = direct.nextObject();
+    if (object == nullptr) break;
+    _addObject(program, object);
+  }
+  direct.handBack();
+  return objects;
+}
+
+void TreeParser::_addObject(ProgramAST* program, ObjectAST* object) {
+  auto_ast<ObjectAST> guard(object);
+  const SourcesReader& reader = *scanner->reader;
+  try {
+    program->addObject(object, reader.readerParam1, reader.readerParam2, nullptr);
+  } catch (...) {
+    if (program->firstObject == object) guard.release();
+    throw;
+  }
+  guard.release();
 }
 
 void TreeParser::setError(const CharString& text) {

@@ -1,7 +1,7 @@
 // Number literals.
 #include <cmath>
 
-#include "kelp/parser/treeparser.h"
+#include "kelp/parser/tokenring.h"
 
 #ifdef __FAST_MATH__
 #error "number literals need IEEE arithmetic as written: build without -ffast-math"
@@ -64,18 +64,7 @@ double readSpecialValue(const char* text, double value) {
 
 }  // namespace
 
-double TreeParser::parseSimpleNumber() {
-  // number := [ "-" [ "+" ] | "+" ] literal
-  const bool negative = _at(TOKEN_MINUS);
-  if (negative) scanAheadToken(false);
-  if (_at(TOKEN_PLUS)) scanAheadToken(false);
-  if (!_at(TOKEN_NUMBER)) _fail(Message::kExpectedNumber);
-  const double value = parseNum(_currentToken().getSpelling());
-  scanAheadToken(false);
-  return negative ? -value : value;
-}
-
-double TreeParser::parseNum(const char* text) {
+double TokenRing::parseNum(const char* text) {
   double value = readInteger(text, 0.0);
   const bool point = *text == '.';
   if (point) value = readFraction(++text, value);

@@ -1,59 +1,13 @@
 #include "kelp/source/scanner.h"
 
-#include <emmintrin.h>
-
-#include <array>
-#include <bit>
 #include <cstring>
-#include <string_view>
 
-#include "kelp/source/characterclass.h"
+#include "kelp/source/lexemes.h"
 #include "kelp/utils/exceptions.h"
 
 namespace Kelp {
 
 namespace {
-
-// The first quote, backslash, line end or NUL from `at` on. The padding behind a source ends the
-// search and allows reading in blocks.
-const char* findStringStop(const char* at) {
-  const __m128i quote = _mm_set1_epi8('"');
-  const __m128i backslash = _mm_set1_epi8('\\');
-  const __m128i newline = _mm_set1_epi8('\n');
-  const __m128i nul = _mm_setzero_si128();
-  for (;; at += sizeof(__m128i)) {
-    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-    const __m128i stops =
-        _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(block, quote), _mm_cmpeq_epi8(block, backslash)),
-                     _mm_or_si128(_mm_cmpeq_epi8(block, newline), _mm_cmpeq_epi8(block, nul)));
-    const auto mask = static_cast<uint32_t>(_mm_movemask_epi8(stops));
-    if (mask != 0) return at + std::countr_zero(mask);
-  }
-}
-
-bool isBlank(char c) { return classOf(c) == CharacterClass::kBlank; }
-
-const char* skipDigits(const char* at) {
-  while (isDigit(*at)) ++at;
-  return at;
-}
-
-// Behind an exponent that starts at `at`, or `at` itself when there is none.
-const char* skipExponent(const char* at) {
-  if (*at != 'e' && *at != 'E') return at;
-  const char* digits = at + 1;
-  if (*digits == '+') ++digits;
-  if (*digits == '-') ++digits;
-  return isDigit(*digits) ? skipDigits(digits) : at;
-}
-
-// Behind the letters of 1.#INF and its like, or `at` itself when there are none.
-const char* skipSpecialValue(const char* at) {
-  if (*at != '#' || !isLetter(at[1])) return at;
-  ++at;
-  while (isLetter(*at)) ++at;
-  return at;
-}
 
 // Behind the blanks at `at` and the block comments between them that end on the same line.
 const char* skipCommentsOnLine(const char* at) {
@@ -66,19 +20,6 @@ const char* skipCommentsOnLine(const char* at) {
     at = end + 2;
   }
 }
-
-// The token type of every character that is a token by itself.
-constexpr auto kPunctuation = [] {
-  std::array<TOKENTYPE, 256> types{};
-  types.fill(TOKEN_UNKNOWN);
-  const auto set = [&types](std::string_view spelling, TOKENTYPE type) {
-    if (spelling.size() == 1) types[static_cast<uint8_t>(spelling[0])] = type;
-  };
-#define KELP_TOKEN(code, enumerator, spelling) set(spelling, enumerator);
-#include "kelp/source/tokens.def"
-#undef KELP_TOKEN
-  return types;
-}();
 
 std::string onLine(int line) { return " on line " + std::to_string(line); }
 
@@ -228,19 +169,13 @@ void Scanner::_take(Token& token, TOKENTYPE type, const char* end) {
 
 void Scanner::_scanIdentifier(Token& token) {
   const char* begin = reader->position.at;
-  const char* end = begin + 1;
-  while (isInIdentifier(*end)) ++end;
+  const char* end = skipIdentifier(begin);
   const bool isNan = end - begin == 3 && std::memcmp(begin, "nan", 3) == 0;
   _take(token, isNan ? TOKEN_NUMBER : TOKEN_IDENTIFIER, end);
 }
 
 void Scanner::_scanNumber(Token& token) {
-  const char* end = skipDigits(reader->position.at);
-  const bool point = *end == '.';
-  if (point) end = skipDigits(end + 1);
-  const char* behindExponent = skipExponent(end);
-  if (point && behindExponent == end) behindExponent = skipSpecialValue(end);
-  _take(token, TOKEN_NUMBER, behindExponent);
+  _take(token, TOKEN_NUMBER, skipNumber(reader->position.at));
 }
 
 void Scanner::_scanPunctuation(Token& token) {
@@ -256,9 +191,8 @@ void Scanner::_scanString(Token& token, bool copyText) {
   const char* stop = findStringStop(begin);
   for (; *stop != '"'; stop = findStringStop(stop)) {
     if (*stop == '\\') {
-      const bool escape = stop[1] == '"' || stop[1] == '\\';
-      escaped = escaped || escape;
-      stop += escape ? 2 : 1;
+      escaped = escaped || isEscape(stop);
+      stop += isEscape(stop) ? 2 : 1;
     } else if (*stop == '\n') {
       position.beginLine(++stop);
     } else {
@@ -286,12 +220,7 @@ void Scanner::_scanString(Token& token, bool copyText) {
 
 const char* Scanner::_decodeString(const char* begin, const char* end, size_t* length) {
   char* decoded = reader->keepText(*length);
-  char* out = decoded;
-  while (begin < end) {
-    if (*begin == '\\' && (begin[1] == '"' || begin[1] == '\\')) ++begin;
-    *out++ = *begin++;
-  }
-  *length = static_cast<size_t>(out - decoded);
+  *length = static_cast<size_t>(decodeString(begin, end, decoded) - decoded);
   return decoded;
 }
 
@@ -309,6 +238,13 @@ void Scanner::_noteFailure(SourcePosition place) {
 void Scanner::_fail(const SourcePosition& place, const std::string& message) {
   _noteFailure(place);
   throw InvalidSourceFile(CharString(message.c_str()));
+}
+
+void Scanner::resumeBehind(const SourcePosition& last) {
+  reader->position = last;
+  ++reader->position.at;
+  starts[0] = last;
+  failure = false;
 }
 
 SourceLocation Scanner::locate(int back) const {

@@ -40,6 +40,12 @@ class Scanner {
   /// where the string, comment or #include began that failed.
   SourceLocation locate(int back) const;
 
+  /// The same as a position; its source is null when there was no such token.
+  const SourcePosition& startOf(int back) const { return starts[back]; }
+
+  /// Goes on behind `last`, the position of a token of one character that somebody else has read.
+  void resumeBehind(const SourcePosition& last);
+
   /// True when the last scan threw InvalidSourceFile.
   bool failed() const { return failure; }
 

@@ -63,6 +63,10 @@ CharString::CharString(const char* text) {
   std::memcpy(buffer->data, text, bytes);
 }
 
+CharString::CharString(std::string_view text) : buffer(newBuffer(text.size() + 1)) {
+  _write(text);
+}
+
 CharString::CharString(const CharString& other) noexcept : buffer(other.buffer) {
   if (buffer != nullptr) ++buffer->referenceCount;
 }
@@ -103,6 +107,15 @@ CharString& CharString::operator=(const char* text) {
   std::memcpy(fresh->data, text, bytes);
   _replaceBuffer(fresh);
   return *this;
+}
+
+void CharString::assign(std::string_view text) {
+  if (buffer == nullptr || _isShared() || _pointsInside(text.data())) {
+    *this = CharString(text);
+    return;
+  }
+  buffer->resize(checkedBytes(text.size() + 1));
+  _write(text);
 }
 
 void CharString::freeMem() noexcept { _replaceBuffer(nullptr); }
@@ -188,6 +201,11 @@ bool CharString::_pointsInside(const char* text) const {
   // A buffer class with a storage of its own has no capacity here; its text counts in any case.
   const size_t held = std::max(static_cast<size_t>(buffer->capacity), std::strlen(begin));
   return !std::less<>()(begin + held, text);
+}
+
+void CharString::_write(std::string_view text) noexcept {
+  if (!text.empty()) std::memcpy(buffer->data, text.data(), text.size());
+  buffer->data[text.size()] = '\0';
 }
 
 void CharString::_replaceBuffer(CharStringBuf* fresh) noexcept {

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string_view>
 
 namespace Kelp {
 
@@ -49,6 +50,8 @@ class CharString {
   /// A copy of `text`; null gives the null string, "" a non-null empty one.
   // NOLINTNEXTLINE(google-explicit-constructor): names are written as literals
   CharString(const char* text);
+  /// A copy of the characters, none of which is NUL.
+  explicit CharString(std::string_view text);
   CharString(const CharString& other) noexcept;
   CharString(CharString&& other) noexcept : buffer(other.buffer) { other.buffer = nullptr; }
   ~CharString() { freeMem(); }
@@ -56,6 +59,9 @@ class CharString {
   CharString& operator=(const CharString& other) noexcept;
   CharString& operator=(CharString&& other) noexcept;
   CharString& operator=(const char* text);
+
+  /// Becomes a copy of the characters, none of which is NUL; in place when the buffer is its own.
+  void assign(std::string_view text);
 
   /// Drops this handle's share of the buffer and becomes null.
   void freeMem() noexcept;
@@ -86,6 +92,7 @@ class CharString {
  private:
   bool _isShared() const { return buffer->referenceCount > 1; }
   bool _pointsInside(const char* text) const;
+  void _write(std::string_view text) noexcept;
   void _replaceBuffer(CharStringBuf* fresh) noexcept;
 };
 

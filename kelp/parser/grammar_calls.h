@@ -1,52 +1,58 @@
 // What looks like a call: builtin functions, lists, interpolation, and the table of all forms.
-#include <algorithm>
-#include <cstring>
+#pragma once
 
-#include "kelp/parser/treeparser.h"
+#include <algorithm>
+#include <string_view>
+
+#include "kelp/parser/grammar.h"
 
 namespace Kelp {
 
-struct TreeParser::CallForm {
-  const char* name;
-  ExpressionAST* (TreeParser::*parse)(const char* name);
+template <class Tokens>
+struct Grammar<Tokens>::CallForm {
+  std::string_view name;
+  ExpressionAST* (Grammar::*parse)(const char* name);
 };
 
 // Tried in this order, after the builtin functions.
-const TreeParser::CallForm TreeParser::kCallForms[] = {
-    {"List", &TreeParser::_parseList},
-    {"interpolate", &TreeParser::_parseInterpolate},
-    {"Vector", &TreeParser::_parseVectorValue<VALUE_VECTOR>},
-    {"Color", &TreeParser::_parseVectorValue<VALUE_COLOR>},
-    {"AColor", &TreeParser::_parseAColor},
-    {"Matrix", &TreeParser::_parseMatrix},
-    {"Transform", &TreeParser::_parseTransform},
-    {"TransformHex", &TreeParser::_parseTransformHex},
-    {"ListVector", &TreeParser::_parseElementList<Vector>},
-    {"ListVectorHex", &TreeParser::_parseHexList<Vector>},
-    {"ListInt", &TreeParser::_parseNumberList<int>},
-    {"ListIntHex", &TreeParser::_parseHexList<int>},
-    {"ListString", &TreeParser::_parseStringList},
-    {"ListFloat", &TreeParser::_parseNumberList<float>},
-    {"ListFloatHex", &TreeParser::_parseHexList<float>},
-    {"ListColor", &TreeParser::_parseElementList<Color>},
-    {"ListColorHex", &TreeParser::_parseHexList<Color>},
+template <class Tokens>
+const typename Grammar<Tokens>::CallForm Grammar<Tokens>::kCallForms[] = {
+    {"List", &Grammar::_parseList},
+    {"interpolate", &Grammar::_parseInterpolate},
+    {"Vector", &Grammar::_parseVectorValue<VALUE_VECTOR>},
+    {"Color", &Grammar::_parseVectorValue<VALUE_COLOR>},
+    {"AColor", &Grammar::_parseAColor},
+    {"Matrix", &Grammar::_parseMatrix},
+    {"Transform", &Grammar::_parseTransform},
+    {"TransformHex", &Grammar::_parseTransformHex},
+    {"ListVector", &Grammar::_parseElementList<Vector>},
+    {"ListVectorHex", &Grammar::_parseHexList<Vector>},
+    {"ListInt", &Grammar::_parseNumberList<int>},
+    {"ListIntHex", &Grammar::_parseHexList<int>},
+    {"ListString", &Grammar::_parseStringList},
+    {"ListFloat", &Grammar::_parseNumberList<float>},
+    {"ListFloatHex", &Grammar::_parseHexList<float>},
+    {"ListColor", &Grammar::_parseElementList<Color>},
+    {"ListColorHex", &Grammar::_parseHexList<Color>},
 };
 
-ExpressionAST* TreeParser::_parseCall() {
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::_parseCall() {
   // call := builtin function | form
-  const char* name = _currentToken().getSpelling();
-  int numArgs = 0;
-  const int function = BuiltinFunctionAST::getBuiltinFunctionID(name, &numArgs);
-  if (function != 0) return _parseBuiltinCall(function, numArgs);
-  for (const CallForm& form : kCallForms) {
-    if (std::strcmp(form.name, name) == 0) return (this->*form.parse)(form.name);
+  const std::string_view name = _spelling();
+  if (const BuiltinFunction* function = BuiltinFunctionAST::findFunction(name)) {
+    return _parseBuiltinCall(function->id, function->numArgs);
   }
-  _fail(Message::kUnknownFunctor, name);
+  for (const CallForm& form : kCallForms) {
+    if (form.name == name) return (this->*form.parse)(form.name.data());
+  }
+  _fail(Message::kUnknownFunctor, name.data());
 }
 
-ExpressionAST* TreeParser::_parseBuiltinCall(int function, int numArgs) {
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::_parseBuiltinCall(int function, int numArgs) {
   // builtin := name "(" [ sum { "," sum } ] ")", with as many arguments as the function takes
-  scanAheadToken(false);
+  _advance();
   _expect(TOKEN_LPAREN, Message::kFunctionBegin);
   auto_ast<BuiltinFunctionAST> node(new BuiltinFunctionAST);
   node->funcID = function;
@@ -65,13 +71,14 @@ ExpressionAST* TreeParser::_parseBuiltinCall(int function, int numArgs) {
   return node.release();
 }
 
-ExpressionAST* TreeParser::_parseList(const char*) {
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::_parseList(const char*) {
   // List := "List" "(" [ sum { "," sum } ] ")"
-  scanAheadToken(false);
+  _advance();
   _expect(TOKEN_LPAREN, Message::kListBegin);
   auto_ast<ListExpressionAST> list(new ListExpressionAST);
   if (_at(TOKEN_RPAREN)) {
-    scanAheadToken(false);
+    _skip(TOKEN_RPAREN);
     return list.release();
   }
   for (;;) {
@@ -81,15 +88,16 @@ ExpressionAST* TreeParser::_parseList(const char*) {
     list->tail = cell;
     ++list->count;
     if (!_at(TOKEN_COMMA)) break;
-    scanAheadToken(false);
+    _skip(TOKEN_COMMA);
   }
   _expect(TOKEN_RPAREN, Message::kListEnd);
   return list.release();
 }
 
-ExpressionAST* TreeParser::_parseInterpolate(const char*) {
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::_parseInterpolate(const char*) {
   // interpolate := "interpolate" "(" pair { "," pair } ")"
-  scanAheadToken(false);
+  _advance();
   _expect(TOKEN_LPAREN, Message::kInterpolateBegin);
   auto_ast<InterpolateExpressionAST> table(InterpolateExpressionAST::pool.newElement());
   table->first = nullptr;
@@ -98,13 +106,14 @@ ExpressionAST* TreeParser::_parseInterpolate(const char*) {
   for (;;) {
     _parsePair(table.get());
     if (!_at(TOKEN_COMMA)) break;
-    scanAheadToken(false);
+    _skip(TOKEN_COMMA);
   }
   _expect(TOKEN_RPAREN, Message::kInterpolateEnd);
   return table.release();
 }
 
-void TreeParser::_parsePair(InterpolateExpressionAST* table) {
+template <class Tokens>
+void Grammar<Tokens>::_parsePair(InterpolateExpressionAST* table) {
   // pair := "(" sum "," sum ")"
   _expect(TOKEN_LPAREN, Message::kPairBegin);
   auto_ast<ExpressionAST> key(parseExpression());

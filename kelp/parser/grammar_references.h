@@ -1,34 +1,49 @@
 // References to objects, properties and runtime values, and indexing.
-#include <cstring>
+#pragma once
 
-#include "kelp/parser/treeparser.h"
+#include <string_view>
+
+#include "kelp/parser/grammar.h"
 
 namespace Kelp {
 
-namespace {
-
 struct Member {
-  const char* name;
+  std::string_view name;
   int index;
 };
 
 // Vectors, colours and transforms share the indices.
-constexpr Member kMembers[] = {{"x", 0},      {"r", 0}, {"m", 0}, {"y", 1},    {"g", 1},
-                               {"offset", 1}, {"z", 2}, {"b", 2}, {"alpha", 3}};
+inline constexpr Member kMembers[] = {{"x", 0},      {"r", 0}, {"m", 0}, {"y", 1},    {"g", 1},
+                                      {"offset", 1}, {"z", 2}, {"b", 2}, {"alpha", 3}};
 
-}  // namespace
-
-ExpressionAST* TreeParser::_parseReference() {
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::_parseReference() {
   // reference := object | object "::" value | object "." property { index | member }
-  const CharString objectName = _affixed(_currentToken().getSpelling());
-  scanAheadToken(false);
+  const CharString objectName = _affixed(_spelling());
+  _advance();
   if (_at(TOKEN_COLON)) return _parseRuntimeValue(objectName);
   if (_at(TOKEN_DOT)) return _parsePropertyReference(objectName);
   return _makeObjectReference(objectName);
 }
 
-ExpressionAST* TreeParser::_parseRuntimeValue(const CharString& objectName) {
-  scanAheadToken(false);
+// An object's name as the program knows it.
+template <class Tokens>
+CharString Grammar<Tokens>::_affixed(std::string_view spelling) {
+  const CharString& affix = _state().nameAffix;
+  if (affix.isEmpty()) return _state().spellings.share(spelling);
+  const CharString plain(spelling);
+  CharString name;
+  if (_state().affixIsSuffix) {
+    name.set(plain.chars(), affix.chars());
+  } else {
+    name.set(affix.chars(), plain.chars());
+  }
+  return name;
+}
+
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::_parseRuntimeValue(const CharString& objectName) {
+  _skip(TOKEN_COLON);
   _expect(TOKEN_COLON, Message::kRuntimeColon);
   const CharString valueName = _parseIdentifier();
   auto_ast<RuntimeValueAST> node(new RuntimeValueAST);
@@ -38,8 +53,9 @@ ExpressionAST* TreeParser::_parseRuntimeValue(const CharString& objectName) {
   return node.release();
 }
 
-ExpressionAST* TreeParser::_parsePropertyReference(const CharString& objectName) {
-  scanAheadToken(false);
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::_parsePropertyReference(const CharString& objectName) {
+  _skip(TOKEN_DOT);
   const CharString propertyName = _parseIdentifier();
   auto_ast<PropertyReferenceAST> node(new PropertyReferenceAST);
   node->objectName = objectName;
@@ -49,7 +65,8 @@ ExpressionAST* TreeParser::_parsePropertyReference(const CharString& objectName)
   return _parseIndices(node.release());
 }
 
-ExpressionAST* TreeParser::_makeObjectReference(const CharString& objectName) {
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::_makeObjectReference(const CharString& objectName) {
   auto_ast<ObjectReferenceAST> node(ObjectReferenceAST::pool.newElement());
   node->name = objectName;
   node->object = nullptr;
@@ -58,7 +75,8 @@ ExpressionAST* TreeParser::_makeObjectReference(const CharString& objectName) {
 }
 
 // Takes over the reference.
-ExpressionAST* TreeParser::_parseIndices(ExpressionAST* reference) {
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::_parseIndices(ExpressionAST* reference) {
   // { "[" sum "]" | "." member }
   auto_ast<ExpressionAST> base(reference);
   auto_ast<ArrayExpressionAST> array(new ArrayExpressionAST);
@@ -71,33 +89,37 @@ ExpressionAST* TreeParser::_parseIndices(ExpressionAST* reference) {
   return array.release();
 }
 
-ExpressionAST* TreeParser::_parseIndex() {
-  scanAheadToken(false);
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::_parseIndex() {
+  _skip(TOKEN_LBRACKET);
   auto_ast<ExpressionAST> index(parseExpression());
   _expect(TOKEN_RBRACKET, Message::kIndexEnd);
   return index.release();
 }
 
-ExpressionAST* TreeParser::_parseMember() {
-  scanAheadToken(false);
-  const char* spelling = _currentToken().getSpelling();  // of any kind of token
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::_parseMember() {
+  _skip(TOKEN_DOT);
+  const std::string_view spelling = _spelling();  // of any kind of token
   for (const Member& member : kMembers) {
-    if (std::strcmp(member.name, spelling) != 0) continue;
-    scanAheadToken(false);
+    if (member.name != spelling) continue;
+    _advance();
     return NumberExpressionAST::newNumberExpressionAST(member.index);
   }
   _fail(Message::kNoSuchMember);
 }
 
-CharString TreeParser::_parseIdentifier() {
-  CharString spelling(_currentToken().getSpelling());
+template <class Tokens>
+CharString Grammar<Tokens>::_parseIdentifier() {
+  CharString spelling = _state().spellings.share(_spelling());
   _expect(TOKEN_IDENTIFIER, Message::kIdentifierExpected);
   return spelling;
 }
 
 // The name's node must be under its guard: the table may fail to grow.
-void TreeParser::_recordReference(CharString* name) {
-  if (collectReferenceNames != 0) referenceNames += name;
+template <class Tokens>
+void Grammar<Tokens>::_recordReference(CharString* name) {
+  if (_state().collectReferenceNames != 0) _state().referenceNames += name;
 }
 
 }  // namespace Kelp

@@ -1,25 +1,26 @@
 // Sums, products, terms and their atoms.
-#include "kelp/parser/treeparser.h"
+#pragma once
+
+#include "kelp/parser/grammar.h"
 #include "kelp/utils/stackguard.h"
 
 namespace Kelp {
 
 /// Bounds how deep rules call each other: by a count and by the thread's own stack.
-class TreeParser::NestingGuard {
+template <class Tokens>
+class Grammar<Tokens>::NestingGuard {
  public:
-  explicit NestingGuard(TreeParser& nestingParser) : parser(nestingParser) {
-    const bool counted = parser.maxNestingDepth > 0;
-    if ((counted && parser.nestingDepth > parser.maxNestingDepth) || isStackNearlyUsedUp()) {
-      parser._fail(Message::kTooDeep);
-    }
-    ++parser.nestingDepth;
+  explicit NestingGuard(Grammar& rules) : depth(rules._state().nestingDepth) {
+    const int32_t most = rules._state().maxNestingDepth;
+    if ((most > 0 && depth > most) || isStackNearlyUsedUp()) rules._fail(Message::kTooDeep);
+    ++depth;
   }
   NestingGuard(const NestingGuard&) = delete;
   NestingGuard& operator=(const NestingGuard&) = delete;
-  ~NestingGuard() { --parser.nestingDepth; }
+  ~NestingGuard() { --depth; }
 
  private:
-  TreeParser& parser;
+  int32_t& depth;
 };
 
 static_assert(static_cast<int>(BinaryExpressionAST::kPlus) == TOKEN_PLUS &&
@@ -29,14 +30,15 @@ static_assert(static_cast<int>(BinaryExpressionAST::kPlus) == TOKEN_PLUS &&
               "a node holds the code of its operator's token");
 
 // Left-associative. Each right operand hangs a new node over all that was read before.
-template <ExpressionAST* (TreeParser::*operand)(), TOKENTYPE firstOperator,
+template <class Tokens>
+template <ExpressionAST* (Grammar<Tokens>::*operand)(), TOKENTYPE firstOperator,
           TOKENTYPE secondOperator>
-ExpressionAST* TreeParser::_parseOperatorChain() {
+ExpressionAST* Grammar<Tokens>::_parseOperatorChain() {
   ExpressionAST* result = (this->*operand)();
   while (_at(firstOperator) || _at(secondOperator)) {
     auto_ast<ExpressionAST> left(result);
-    const TOKENTYPE op = _currentToken().type;
-    scanAheadToken(false);
+    const TOKENTYPE op = _at(firstOperator) ? firstOperator : secondOperator;
+    _skip(op);
     auto_ast<ExpressionAST> right((this->*operand)());
     auto* node = new BinaryExpressionAST;
     node->left = left.release();
@@ -47,21 +49,24 @@ ExpressionAST* TreeParser::_parseOperatorChain() {
   return result;
 }
 
-ExpressionAST* TreeParser::parseExpression() {
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::parseExpression() {
   // sum := factor { ( "+" | "-" ) factor }
   const NestingGuard guard(*this);
-  return _parseOperatorChain<&TreeParser::parseFactor, TOKEN_PLUS, TOKEN_MINUS>();
+  return _parseOperatorChain<&Grammar::parseFactor, TOKEN_PLUS, TOKEN_MINUS>();
 }
 
-ExpressionAST* TreeParser::parseFactor() {
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::parseFactor() {
   // factor := term { ( "*" | "/" ) term }
-  return _parseOperatorChain<&TreeParser::parseTerm, TOKEN_MULTIPLY, TOKEN_DIVIDE>();
+  return _parseOperatorChain<&Grammar::parseTerm, TOKEN_MULTIPLY, TOKEN_DIVIDE>();
 }
 
-ExpressionAST* TreeParser::parseTerm() {
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::parseTerm() {
   // term := [ "+" | "-" ] atom
   const bool negated = _at(TOKEN_MINUS);
-  if (negated || _at(TOKEN_PLUS)) scanAheadToken(false);
+  if (negated || _at(TOKEN_PLUS)) _skip(negated ? TOKEN_MINUS : TOKEN_PLUS);
   ExpressionAST* atom = _parseAtom();
   if (!negated) return atom;
   auto_ast<ExpressionAST> operand(atom);
@@ -70,9 +75,10 @@ ExpressionAST* TreeParser::parseTerm() {
   return node;
 }
 
-ExpressionAST* TreeParser::_parseAtom() {
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::_parseAtom() {
   // atom := number | string | "(" sum ")" | call | reference
-  switch (_currentToken().type) {
+  switch (this->_type()) {
     case TOKEN_NUMBER:
       return NumberExpressionAST::newNumberExpressionAST(parseSimpleNumber());
     case TOKEN_STRING:
@@ -80,40 +86,52 @@ ExpressionAST* TreeParser::_parseAtom() {
     case TOKEN_LPAREN:
       return _parseParenthesis();
     case TOKEN_IDENTIFIER:
-      if (lookahead >= 0 && tokens[lookahead].type == TOKEN_LPAREN) return _parseCall();
-      return _parseReference();
+      return this->_isCall() ? _parseCall() : _parseReference();
     default:
-      _fail(Message::kNotAToken, _currentToken().getSpelling());
+      _fail(Message::kNotAToken, _spelling().data());
   }
 }
 
-ExpressionAST* TreeParser::_parseParenthesis() {
-  scanAheadToken(false);
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::_parseParenthesis() {
+  _skip(TOKEN_LPAREN);
   auto_ast<ExpressionAST> inner(parseExpression());
   _expect(TOKEN_RPAREN, Message::kParenthesisEnd);
   return inner.release();
 }
 
-ExpressionAST* TreeParser::_parseString() {
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::_parseString() {
   // Fixed in the format that consumers of the node know.
   constexpr uint32_t kLengthBeforeOverflow = 1023;
-  Token& token = _currentToken();
+  const auto longText = this->_longText();
   auto_ast<StringExpressionAST> node(StringExpressionAST::pool.newElement());
-  node->directory = scanner->reader->getCurrentFileDir();
-  if (token.overflowCount < 1) {
-    node->text = token.getSpelling();
+  node->directory = this->_directory();
+  if (longText.overflowCount < 1) {
+    node->text.assign(_spelling());
     for (uint64_t& word : node->span) word = 0;
     node->spanLength = 0;
     node->ownsText = 1;
   } else {
     node->text.freeMem();
-    for (int i = 0; i < 3; ++i) node->span[i] = token.overflow[i];
+    for (int i = 0; i < 3; ++i) node->span[i] = longText.record[i];
     node->spanLength =
-        static_cast<int32_t>(static_cast<uint32_t>(token.overflowCount) + kLengthBeforeOverflow);
+        static_cast<int32_t>(static_cast<uint32_t>(longText.overflowCount) + kLengthBeforeOverflow);
     node->ownsText = 0;
   }
-  scanAheadToken(false);
+  _advance();
   return node.release();
+}
+
+template <class Tokens>
+double Grammar<Tokens>::parseSimpleNumber() {
+  // number := [ "-" [ "+" ] | "+" ] literal
+  const bool negative = _at(TOKEN_MINUS);
+  if (negative) _skip(TOKEN_MINUS);
+  if (_at(TOKEN_PLUS)) _skip(TOKEN_PLUS);
+  if (!_at(TOKEN_NUMBER)) _fail(Message::kExpectedNumber);
+  const double value = this->_takeNumber();
+  return negative ? -value : value;
 }
 
 }  // namespace Kelp

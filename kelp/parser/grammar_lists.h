@@ -1,19 +1,18 @@
 // Typed lists: constants, collected in the scratch sequences and copied once at their exact
 // number; and the hexadecimal forms, whose text is only referred to.
+#pragma once
+
 #include <algorithm>
 #include <climits>
-#include <cstring>
 #include <type_traits>
 #include <utility>
 
-#include "kelp/parser/treeparser.h"
+#include "kelp/parser/grammar.h"
 
 namespace Kelp {
 
-namespace {
-
 // Toward zero. What an int cannot hold, and not-a-number, becomes INT_MIN on every machine.
-int truncated(double value) {
+inline int truncated(double value) {
   const bool fits = value > -2147483649.0 && value < 2147483648.0;
   return fits ? static_cast<int>(value) : INT_MIN;
 }
@@ -44,7 +43,7 @@ struct ElementForm<Color> {
 };
 
 template <class T>
-_Sequence<T>& sequenceOf(TreeParser::ListScratch& scratch) {
+_Sequence<T>& sequenceOf(ParserState::ListScratch& scratch) {
   if constexpr (std::is_same_v<T, Vector>) {
     return scratch.vectors;
   } else if constexpr (std::is_same_v<T, Color>) {
@@ -81,41 +80,40 @@ class ScratchStrings {
   _Sequence<CharString>& sequence;
 };
 
-}  // namespace
-
+template <class Tokens>
 template <class T>
-ExpressionAST* TreeParser::_parseNumberList(const char* name) {
+ExpressionAST* Grammar<Tokens>::_parseNumberList(const char* name) {
   // ( "ListInt" | "ListFloat" ) "(" [ number { "," number } [ "," ] ] ")"
-  scanAheadToken(false);
+  _advance();
   _expect(TOKEN_LPAREN, Message::kValueBegin, name);
   auto_ast<ListTypeExpressionAST<T>> list(new ListTypeExpressionAST<T>);
-  _Sequence<T>& values = sequenceOf<T>(scratch);
+  _Sequence<T>& values = sequenceOf<T>(_state().scratch);
   values.restart();
   while (!_at(TOKEN_RPAREN)) {
     const T value = converted<T>(parseSimpleNumber());
     *values.newElement() = value;
     if (!_at(TOKEN_COMMA)) break;
-    scanAheadToken(false);
+    _skip(TOKEN_COMMA);
   }
   _expect(TOKEN_RPAREN, Message::kListClose);
   copyElements(values, list->elements);
   return list.release();
 }
 
+template <class Tokens>
 template <class T>
-ExpressionAST* TreeParser::_parseElementList(const char* name) {
+ExpressionAST* Grammar<Tokens>::_parseElementList(const char* name) {
   // "ListVector" "(" [ element { "," element } [ "," ] ] ")", and the same with Color
   // element := "Vector" "(" number "," number "," number ")"
   using Form = ElementForm<T>;
-  scanAheadToken(false);
+  _advance();
   _expect(TOKEN_LPAREN, Message::kValueBegin, name);
   auto_ast<ListTypeExpressionAST<T>> list(new ListTypeExpressionAST<T>);
-  _Sequence<T>& values = sequenceOf<T>(scratch);
+  _Sequence<T>& values = sequenceOf<T>(_state().scratch);
   values.restart();
   while (!_at(TOKEN_RPAREN)) {
-    const bool keyword = std::strcmp(_currentToken().getSpelling(), Form::kKeyword) == 0;
-    if (!keyword) _fail(Form::kKeywordMissing);
-    scanAheadToken(false);
+    if (!this->_isSpelled(Form::kKeyword)) _fail(Form::kKeywordMissing);
+    _advance();
     _expect(TOKEN_LPAREN, Message::kElementBegin, Form::kKeyword);
     const auto first = static_cast<float>(parseSimpleNumber());
     _expect(TOKEN_COMMA, Message::kElementComma);
@@ -125,59 +123,52 @@ ExpressionAST* TreeParser::_parseElementList(const char* name) {
     _expect(TOKEN_RPAREN, Message::kElementEnd);
     *values.newElement() = T{first, second, third};
     if (!_at(TOKEN_COMMA)) break;
-    scanAheadToken(false);
+    _skip(TOKEN_COMMA);
   }
   _expect(TOKEN_RPAREN, Message::kElementListClose);
   copyElements(values, list->elements);
   return list.release();
 }
 
+template <class Tokens>
 template <class T>
-ExpressionAST* TreeParser::_parseHexList(const char* name) {
+ExpressionAST* Grammar<Tokens>::_parseHexList(const char* name) {
   // ( "ListVectorHex" | ... ) "(" token ")"; the token is meant to be a string, but nobody asks
-  scanAheadToken(true);
+  this->_advanceToRaw();
   _expect(TOKEN_LPAREN, Message::kValueBegin, name);
-  const Token& token = _currentToken();
+  const auto argument = this->_rawArgument(true);
   auto_ast<ListTypeExpressionAST<T>> list(new ListTypeExpressionAST<T>);
-  for (int i = 0; i < 3; ++i) list->textRef[i] = token.overflow[i];
-  list->textLength = token.text.count;
+  for (int i = 0; i < 3; ++i) list->textRef[i] = argument.record[i];
+  list->textLength = argument.copied;
   list->parsedForm = 0;
-  scanAheadToken(false);
+  _advance();
   _expect(TOKEN_RPAREN, Message::kValueEnd, name);
   return list.release();
 }
 
-ExpressionAST* TreeParser::_parseStringList(const char* name) {
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::_parseStringList(const char* name) {
   // "ListString" "(" [ string { "," string } ] ")"
-  scanAheadToken(false);
+  _advance();
   _expect(TOKEN_LPAREN, Message::kValueBegin, name);
   auto_ast<ListTypeExpressionAST<CharString>> list(new ListTypeExpressionAST<CharString>);
-  list->sourceDir = scanner->reader->getCurrentFileDir();
-  const ScratchStrings releaseAfterwards(scratch.strings);
+  list->sourceDir = this->_directory();
+  const ScratchStrings releaseAfterwards(_state().scratch.strings);
   if (_at(TOKEN_RPAREN)) {
-    scanAheadToken(false);
+    _skip(TOKEN_RPAREN);
     return list.release();
   }
   for (;;) {
     if (!_at(TOKEN_STRING)) _fail(Message::kExpectedString);
-    CharString text(_currentToken().getSpelling());
-    *scratch.strings.newElement() = std::move(text);
-    scanAheadToken(false);
+    CharString text(_spelling());
+    *_state().scratch.strings.newElement() = std::move(text);
+    _advance();
     if (!_at(TOKEN_COMMA)) break;
-    scanAheadToken(false);
+    _skip(TOKEN_COMMA);
   }
   _expect(TOKEN_RPAREN, Message::kListClose);
-  copyElements(scratch.strings, list->elements);
+  copyElements(_state().scratch.strings, list->elements);
   return list.release();
 }
-
-template ExpressionAST* TreeParser::_parseNumberList<int>(const char* name);
-template ExpressionAST* TreeParser::_parseNumberList<float>(const char* name);
-template ExpressionAST* TreeParser::_parseElementList<Vector>(const char* name);
-template ExpressionAST* TreeParser::_parseElementList<Color>(const char* name);
-template ExpressionAST* TreeParser::_parseHexList<Vector>(const char* name);
-template ExpressionAST* TreeParser::_parseHexList<int>(const char* name);
-template ExpressionAST* TreeParser::_parseHexList<float>(const char* name);
-template ExpressionAST* TreeParser::_parseHexList<Color>(const char* name);
 
 }  // namespace Kelp

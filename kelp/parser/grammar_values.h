@@ -1,12 +1,15 @@
 // Value constructors: vectors, colours, matrices, transforms. Their components are expressions.
-#include "kelp/parser/treeparser.h"
+#pragma once
+
+#include "kelp/parser/grammar.h"
 
 namespace Kelp {
 
+template <class Tokens>
 template <VALUE_TYPE kind>
-ExpressionAST* TreeParser::_parseVectorValue(const char* name) {
+ExpressionAST* Grammar<Tokens>::_parseVectorValue(const char* name) {
   // ( "Vector" | "Color" ) "(" sum "," sum "," sum ")"
-  scanAheadToken(false);
+  _advance();
   _expect(TOKEN_LPAREN, Message::kValueBegin, name);
   auto_ast<ExpressionAST> first(parseExpression());
   _expect(TOKEN_COMMA, Message::kValueComma, name);
@@ -22,12 +25,11 @@ ExpressionAST* TreeParser::_parseVectorValue(const char* name) {
   return node;
 }
 
-template ExpressionAST* TreeParser::_parseVectorValue<VALUE_VECTOR>(const char* name);
-template ExpressionAST* TreeParser::_parseVectorValue<VALUE_COLOR>(const char* name);
 
-ExpressionAST* TreeParser::_parseAColor(const char* name) {
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::_parseAColor(const char* name) {
   // "AColor" "(" sum "," sum "," sum "," sum ")"
-  scanAheadToken(false);
+  _advance();
   _expect(TOKEN_LPAREN, Message::kValueBegin, name);
   auto_ast<ExpressionAST> red(parseExpression());
   _expect(TOKEN_COMMA, Message::kValueComma, name);
@@ -45,9 +47,10 @@ ExpressionAST* TreeParser::_parseAColor(const char* name) {
   return node;
 }
 
-ExpressionAST* TreeParser::_parseMatrix(const char* name) {
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::_parseMatrix(const char* name) {
   // "Matrix" "(" sum "," sum "," sum ")"
-  scanAheadToken(false);
+  _advance();
   _expect(TOKEN_LPAREN, Message::kValueBegin, name);
   auto_ast<ExpressionAST> first(parseExpression());
   _expect(TOKEN_COMMA, Message::kValueComma, name);
@@ -62,9 +65,10 @@ ExpressionAST* TreeParser::_parseMatrix(const char* name) {
   return node;
 }
 
-ExpressionAST* TreeParser::_parseTransform(const char* name) {
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::_parseTransform(const char* name) {
   // "Transform" "(" sum "," sum ")"
-  scanAheadToken(false);
+  _advance();
   _expect(TOKEN_LPAREN, Message::kTransformBegin, name);
   auto_ast<ExpressionAST> matrix(parseExpression());
   _expect(TOKEN_COMMA, Message::kValueComma, name);
@@ -76,16 +80,17 @@ ExpressionAST* TreeParser::_parseTransform(const char* name) {
   return node;
 }
 
-ExpressionAST* TreeParser::_parseTransformHex(const char* name) {
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::_parseTransformHex(const char* name) {
   // "TransformHex" "(" token ")"; the token is meant to be a string, but nobody asks
-  scanAheadToken(false);
+  _advance();
   _expect(TOKEN_LPAREN, Message::kTransformBegin, name);
-  const Token& token = _currentToken();
+  const auto argument = this->_rawArgument(false);
   auto_ast<TransformHexExpressionAST> node(TransformHexExpressionAST::pool.newElement());
   node->count = 1;
-  for (int i = 0; i < 3; ++i) node->textRef[i] = token.overflow[i];
-  node->textLength = token.text.count;
-  scanAheadToken(false);
+  for (int i = 0; i < 3; ++i) node->textRef[i] = argument.record[i];
+  node->textLength = argument.copied;
+  _advance();
   _expect(TOKEN_RPAREN, Message::kValueEnd, name);
   return node.release();
 }

@@ -1,0 +1,42 @@
+// DirectParser: reads plain stretches of a scene without making tokens, for a parser that does.
+#pragma once
+
+#include "kelp/parser/grammar.h"
+#include "kelp/parser/texttokens.h"
+#include "kelp/parser/tokenring.h"
+
+namespace Kelp {
+
+/// Takes over from a token ring at the start of an object or a property, reads as many of them as
+/// are plain, and hands back: the ring then stands as if it had read them itself. What is not plain
+/// leaves no trace and is the ring's to read.
+class DirectParser : public Grammar<TextTokens> {
+ public:
+  /// For a ring that can take part; see isPossible.
+  explicit DirectParser(TokenRing& tokenRing);
+
+  /// Whether the ring's tokens come straight from the characters of one source.
+  static bool isPossible(TokenRing& tokenRing);
+
+  /// The next object, the caller's; null when it is not plain, and nothing can be read any more.
+  ObjectAST* nextObject();
+
+  /// The next property, the caller's; null when it is not plain or there is none, and nothing can be
+  /// read any more.
+  PropertyAST* nextProperty();
+
+  /// Lets the ring go on behind what was read. Throws what Scanner::scan throws.
+  void handBack();
+
+ private:
+  template <class Node, class Read>
+  Node* _next(Read read);
+
+  TokenRing& ring;
+  SourcePosition lastRead;  // what ended the last object or property that was read
+  bool goesOn = true;
+};
+
+extern template class Grammar<TextTokens>;
+
+}  // namespace Kelp

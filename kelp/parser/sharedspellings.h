@@ -1,0 +1,35 @@
+// SharedSpellings: one buffer for a name that a text gives again and again.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+#include "kelp/utils/charstring.h"
+
+namespace Kelp {
+
+/// A small table of the names that were read last. Scenes repeat a few types and property names in
+/// every object; sharing them saves an allocation each, and whoever writes to one of them gets a
+/// copy as always.
+class SharedSpellings {
+ public:
+  /// A string of these characters, none of which is NUL; the same buffer as last time while the
+  /// table remembers it. Throws std::bad_alloc.
+  CharString share(std::string_view spelling);
+
+  /// Forgets all names and frees the table.
+  void clear() noexcept { slots.reset(); }
+
+ private:
+  struct Slot {
+    CharString text;
+    size_t length = 0;
+  };
+  static constexpr size_t kSlots = 1024;
+  static constexpr size_t kLongest = 64;  // longer ones are no names
+
+  std::unique_ptr<Slot[]> slots;  // made when the first name comes
+};
+
+}  // namespace Kelp
