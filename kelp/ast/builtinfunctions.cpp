@@ -1,15 +1,17 @@
 #include "kelp/ast/builtinfunctions.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <string_view>
+
+#include "kelp/utils/wordtable.h"
 
 namespace Kelp {
 
 namespace {
 
-// Sorted by name for the binary search.
 constexpr BuiltinFunction kFunctions[] = {
     {"abs", 1, 1},        {"acos", 7, 1},        {"asin", 6, 1},    {"atan", 8, 1},
     {"atan2", 9, 2},      {"ceil", 16, 1},       {"clamp", 20, 3},  {"cos", 4, 1},
@@ -21,12 +23,11 @@ constexpr BuiltinFunction kFunctions[] = {
     {"sin", 3, 1},        {"smoothstep", 22, 3}, {"sqrt", 10, 1},   {"tan", 5, 1},
 };
 
-consteval bool areSortedByName() {
-  return std::is_sorted(std::begin(kFunctions), std::end(kFunctions),
-                        [](const BuiltinFunction& a, const BuiltinFunction& b) {
-                          return std::string_view(a.name) < std::string_view(b.name);
-                        });
-}
+constexpr WordTable<std::size(kFunctions)> kNames([] {
+  std::array<std::string_view, std::size(kFunctions)> names;
+  for (size_t i = 0; i < names.size(); ++i) names[i] = kFunctions[i].name;
+  return names;
+}());
 
 consteval bool doArgumentsFit() {
   return std::all_of(
@@ -35,7 +36,6 @@ consteval bool doArgumentsFit() {
       });
 }
 
-static_assert(areSortedByName());
 static_assert(doArgumentsFit(),
               "a call has no room for more arguments, and the parser does not ask");
 
@@ -61,12 +61,8 @@ int BuiltinFunctionAST::getBuiltinFunctionID(const char* name, int* numArgs) {
 }
 
 const BuiltinFunction* BuiltinFunctionAST::findFunction(std::string_view name) {
-  const auto* end = std::end(kFunctions);
-  const auto* found = std::lower_bound(std::begin(kFunctions), end, name,
-                                       [](const BuiltinFunction& function, std::string_view wanted) {
-                                         return std::string_view(function.name) < wanted;
-                                       });
-  return found != end && found->name == name ? found : nullptr;
+  const int place = kNames.find(name);
+  return place >= 0 ? &kFunctions[place] : nullptr;
 }
 
 const BuiltinFunction* BuiltinFunctionAST::findFunction(int id) {

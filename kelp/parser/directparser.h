@@ -21,8 +21,8 @@ class DirectParser : public Grammar<TextTokens> {
   /// The next object, the caller's; null when it is not plain, and nothing can be read any more.
   ObjectAST* nextObject();
 
-  /// The next property, the caller's; null when it is not plain or there is none, and nothing can be
-  /// read any more.
+  /// The next property, the caller's; null when it is not plain or there is none, and nothing can
+  /// be read any more.
   PropertyAST* nextProperty();
 
   /// Lets the ring go on behind what was read. Throws what Scanner::scan throws.

@@ -20,10 +20,11 @@
 
 namespace Kelp {
 
+enum class CallForm;
+
 template <class Tokens>
 class Grammar : public Tokens {
  public:
-  using Tokens::Tokens;
   using Tokens::_advance;
   using Tokens::_at;
   using Tokens::_expect;
@@ -31,6 +32,7 @@ class Grammar : public Tokens {
   using Tokens::_skip;
   using Tokens::_spelling;
   using Tokens::_state;
+  using Tokens::Tokens;
 
   // ---- grammar_program.h: objects and properties ------------------------------------------------
 
@@ -63,8 +65,6 @@ class Grammar : public Tokens {
 
  private:
   class NestingGuard;
-  struct CallForm;
-  static const CallForm kCallForms[];
 
   // grammar_expressions.h
   template <ExpressionAST* (Grammar::*operand)(), TOKENTYPE firstOperator, TOKENTYPE secondOperator>
@@ -88,8 +88,9 @@ class Grammar : public Tokens {
   void _recordReference(CharString* name);
 
   // grammar_calls.h
-  ExpressionAST* _parseList(const char* name);
-  ExpressionAST* _parseInterpolate(const char* name);
+  ExpressionAST* _parseForm(CallForm form);
+  ExpressionAST* _parseList();
+  ExpressionAST* _parseInterpolate();
   void _parsePair(InterpolateExpressionAST* table);
 
   // grammar_values.h: value constructors

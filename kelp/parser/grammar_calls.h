@@ -4,37 +4,11 @@
 #include <algorithm>
 #include <string_view>
 
+#include "kelp/ast/builtinfunctions.h"
+#include "kelp/parser/callforms.h"
 #include "kelp/parser/grammar.h"
 
 namespace Kelp {
-
-template <class Tokens>
-struct Grammar<Tokens>::CallForm {
-  std::string_view name;
-  ExpressionAST* (Grammar::*parse)(const char* name);
-};
-
-// Tried in this order, after the builtin functions.
-template <class Tokens>
-const typename Grammar<Tokens>::CallForm Grammar<Tokens>::kCallForms[] = {
-    {"List", &Grammar::_parseList},
-    {"interpolate", &Grammar::_parseInterpolate},
-    {"Vector", &Grammar::_parseVectorValue<VALUE_VECTOR>},
-    {"Color", &Grammar::_parseVectorValue<VALUE_COLOR>},
-    {"AColor", &Grammar::_parseAColor},
-    {"Matrix", &Grammar::_parseMatrix},
-    {"Transform", &Grammar::_parseTransform},
-    {"TransformHex", &Grammar::_parseTransformHex},
-    {"ListVector", &Grammar::_parseElementList<Vector>},
-    {"ListVectorHex", &Grammar::_parseHexList<Vector>},
-    {"ListInt", &Grammar::_parseNumberList<int>},
-    {"ListIntHex", &Grammar::_parseHexList<int>},
-    {"ListString", &Grammar::_parseStringList},
-    {"ListFloat", &Grammar::_parseNumberList<float>},
-    {"ListFloatHex", &Grammar::_parseHexList<float>},
-    {"ListColor", &Grammar::_parseElementList<Color>},
-    {"ListColorHex", &Grammar::_parseHexList<Color>},
-};
 
 template <class Tokens>
 ExpressionAST* Grammar<Tokens>::_parseCall() {
@@ -43,10 +17,51 @@ ExpressionAST* Grammar<Tokens>::_parseCall() {
   if (const BuiltinFunction* function = BuiltinFunctionAST::findFunction(name)) {
     return _parseBuiltinCall(function->id, function->numArgs);
   }
-  for (const CallForm& form : kCallForms) {
-    if (form.name == name) return (this->*form.parse)(form.name.data());
+  const int form = kCallForms.find(name);
+  if (form < 0) _fail(Message::kUnknownFunctor, name.data());
+  return _parseForm(static_cast<CallForm>(form));
+}
+
+template <class Tokens>
+ExpressionAST* Grammar<Tokens>::_parseForm(CallForm form) {
+  const char* name = kCallFormNames[static_cast<size_t>(form)].data();
+  switch (form) {
+    case CallForm::kList:
+      return _parseList();
+    case CallForm::kInterpolate:
+      return _parseInterpolate();
+    case CallForm::kVector:
+      return _parseVectorValue<VALUE_VECTOR>(name);
+    case CallForm::kColor:
+      return _parseVectorValue<VALUE_COLOR>(name);
+    case CallForm::kAColor:
+      return _parseAColor(name);
+    case CallForm::kMatrix:
+      return _parseMatrix(name);
+    case CallForm::kTransform:
+      return _parseTransform(name);
+    case CallForm::kTransformHex:
+      return _parseTransformHex(name);
+    case CallForm::kListVector:
+      return _parseElementList<Vector>(name);
+    case CallForm::kListVectorHex:
+      return _parseHexList<Vector>(name);
+    case CallForm::kListInt:
+      return _parseNumberList<int>(name);
+    case CallForm::kListIntHex:
+      return _parseHexList<int>(name);
+    case CallForm::kListString:
+      return _parseStringList(name);
+    case CallForm::kListFloat:
+      return _parseNumberList<float>(name);
+    case CallForm::kListFloatHex:
+      return _parseHexList<float>(name);
+    case CallForm::kListColor:
+      return _parseElementList<Color>(name);
+    case CallForm::kListColorHex:
+      break;
   }
-  _fail(Message::kUnknownFunctor, name.data());
+  return _parseHexList<Color>(name);
 }
 
 template <class Tokens>
@@ -72,7 +87,7 @@ ExpressionAST* Grammar<Tokens>::_parseBuiltinCall(int function, int numArgs) {
 }
 
 template <class Tokens>
-ExpressionAST* Grammar<Tokens>::_parseList(const char*) {
+ExpressionAST* Grammar<Tokens>::_parseList() {
   // List := "List" "(" [ sum { "," sum } ] ")"
   _advance();
   _expect(TOKEN_LPAREN, Message::kListBegin);
@@ -95,7 +110,7 @@ ExpressionAST* Grammar<Tokens>::_parseList(const char*) {
 }
 
 template <class Tokens>
-ExpressionAST* Grammar<Tokens>::_parseInterpolate(const char*) {
+ExpressionAST* Grammar<Tokens>::_parseInterpolate() {
   // interpolate := "interpolate" "(" pair { "," pair } ")"
   _advance();
   _expect(TOKEN_LPAREN, Message::kInterpolateBegin);

@@ -35,7 +35,10 @@ ObjectAST* Grammar<Tokens>::_parseObjectHead() {
   object->extra = nullptr;
   object->filteredOut = 0;
   object->type = _state().spellings.share(_spelling());
-  if (!_at(TOKEN_IDENTIFIER)) _fail(Message::kExpectedIdentifier);
+  if (!_at(TOKEN_IDENTIFIER)) {
+    object->name.freeMem();
+    _fail(Message::kExpectedIdentifier);
+  }
   _advance();
   if (_at(TOKEN_IDENTIFIER)) {
     _nameObject(object.get(), _spelling());

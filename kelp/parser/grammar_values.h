@@ -25,7 +25,6 @@ ExpressionAST* Grammar<Tokens>::_parseVectorValue(const char* name) {
   return node;
 }
 
-
 template <class Tokens>
 ExpressionAST* Grammar<Tokens>::_parseAColor(const char* name) {
   // "AColor" "(" sum "," sum "," sum "," sum ")"

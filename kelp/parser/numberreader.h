@@ -11,8 +11,8 @@
 
 namespace Kelp {
 
-/// What parseNum multiplies the first digits behind a point with: 0.1, and each the one before times
-/// 0.1, rounded every time.
+/// What parseNum multiplies the first digits behind a point with: 0.1, and each the one before
+/// times 0.1, rounded every time.
 inline constexpr auto kFractionScales = [] {
   std::array<double, 16> scales{};
   double scale = 0.1;
@@ -23,8 +23,8 @@ inline constexpr auto kFractionScales = [] {
   return scales;
 }();
 
-/// The value of the literal at `*at`, and moves `*at` behind it. The literal begins with a digit, or
-/// a point and a digit, and lies in a source, whose padding ends every search.
+/// The value of the literal at `*at`, and moves `*at` behind it. The literal begins with a digit,
+/// or a point and a digit, and lies in a source, whose padding ends every search.
 double readNumberPlainly(const char** at);
 
 namespace NumberReader {
@@ -37,8 +37,8 @@ inline int countDigits(const char* at) {
   return std::countr_one(static_cast<uint32_t>(_mm_movemask_epi8(areDigits)));
 }
 
-/// The integer that the first `count` characters spell, 1 to 8 digits. In pairs, then in fours, then
-/// in eights (D. Lemire, "Quickly parsing eight digits", 2018).
+/// The integer that the first `count` characters spell, 1 to 8 digits. In pairs, then in fours,
+/// then in eights (D. Lemire, "Quickly parsing eight digits", 2018).
 inline uint32_t integerOf(const char* at, int count) {
   uint64_t digits;
   std::memcpy(&digits, at, sizeof digits);

@@ -37,7 +37,7 @@ uint64_t mixOf(std::string_view text) {
 }  // namespace
 
 CharString SharedSpellings::share(std::string_view spelling) {
-  if (spelling.size() > kLongest) return CharString(spelling);
+  if (!isInUse || spelling.size() > kLongest) return CharString(spelling);
   if (slots == nullptr) slots = std::make_unique<Slot[]>(kSlots);
   static_assert(kSlots == size_t{1} << 10);
   Slot& slot = slots[mixOf(spelling) >> (64 - 10)];

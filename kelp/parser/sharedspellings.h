@@ -14,12 +14,24 @@ namespace Kelp {
 /// copy as always.
 class SharedSpellings {
  public:
-  /// A string of these characters, none of which is NUL; the same buffer as last time while the
-  /// table remembers it. Throws std::bad_alloc.
-  CharString share(std::string_view spelling);
+  /// Shares spellings for the time of a parse, and forgets them all at its end.
+  class Use {
+   public:
+    explicit Use(SharedSpellings& table) : spellings(table) { spellings.isInUse = true; }
+    Use(const Use&) = delete;
+    Use& operator=(const Use&) = delete;
+    ~Use() {
+      spellings.isInUse = false;
+      spellings.slots.reset();
+    }
 
-  /// Forgets all names and frees the table.
-  void clear() noexcept { slots.reset(); }
+   private:
+    SharedSpellings& spellings;
+  };
+
+  /// A string of these characters, none of which is NUL; the same buffer as last time while the
+  /// table is in use and remembers it. Throws std::bad_alloc.
+  CharString share(std::string_view spelling);
 
  private:
   struct Slot {
@@ -30,6 +42,7 @@ class SharedSpellings {
   static constexpr size_t kLongest = 64;  // longer ones are no names
 
   std::unique_ptr<Slot[]> slots;  // made when the first name comes
+  bool isInUse = false;
 };
 
 }  // namespace Kelp

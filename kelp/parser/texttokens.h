@@ -27,7 +27,9 @@ class TextTokens {
   struct GiveUp {};
 
   TextTokens(SourcesReader& sources, ParserState& parserState)
-      : reader(sources), state(parserState), longestString(static_cast<size_t>(sources.limits.maxStringLength)) {}
+      : reader(sources),
+        state(parserState),
+        longestString(static_cast<size_t>(sources.limits.maxStringLength)) {}
   TextTokens(const TextTokens&) = delete;
   TextTokens& operator=(const TextTokens&) = delete;
 
@@ -105,13 +107,14 @@ class TextTokens {
   const Source* source = nullptr;
   const char* at = nullptr;    // first character of the current token
   const char* end = nullptr;   // behind it, once somebody asked
-  std::string_view tokenText;   // once `end` is known
+  std::string_view tokenText;  // once `end` is known
   uint64_t record[3] = {};     // once the end of a string is known
   const char* lineStart = nullptr;
   int line = 1;
 };
 
-// ---- inline, being where the time of reading goes ------------------------------------------------
+// ---- inline, being where the time of reading goes
+// ------------------------------------------------
 
 inline TOKENTYPE TextTokens::_type() const {
   switch (classOf(*at)) {

@@ -90,9 +90,7 @@ class TokenRing : public TokenSlots, public ParserState {
   double _takeNumber();
   /// The current token, whatever it is, as a property's name; moves past it.
   PlacedName _takePropertyName();
-  LongText _longText() const {
-    return {tokens[current].overflowCount, tokens[current].overflow};
-  }
+  LongText _longText() const { return {tokens[current].overflowCount, tokens[current].overflow}; }
   RawArgument _rawArgument(bool /*skipped*/) const {
     return {tokens[current].overflow, tokens[current].text.count};
   }

@@ -18,6 +18,7 @@ template class Grammar<TokenRing>;
 ProgramAST* TreeParser::parseProgram() {
   // program := { object } end
   const ExclusiveUse use;
+  const SharedSpellings::Use sharing(spellings);
   scanAheadToken(false);
   ReferenceRollback references(referenceNames);
   auto_ast<ProgramAST> program(new ProgramAST);
