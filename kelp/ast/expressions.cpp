@@ -12,14 +12,29 @@ namespace {
 
 [[noreturn]] void throwNotIndexable() { throw NotIndexableException(CharString()); }
 
+// Most nodes are numbers as their pool makes them.
+bool isPooledNumber(const ExpressionAST& node) {
+  return &typeid(node) == &typeid(PoolElement<NumberExpressionAST>);
+}
+
 // Children are released recursively while there is stack for it.
 void releaseChild(ExpressionAST*& child) {
-  if (child != nullptr && isStackNearlyUsedUp()) {
+  if (child == nullptr) return;
+  if (isPooledNumber(*child)) {
+    NumberExpressionAST::pool.freeElement(static_cast<NumberExpressionAST*>(child));
+  } else if (isStackNearlyUsedUp()) {
     releaseWithoutStack(child);
-  } else if (child != nullptr) {
+  } else {
     child->deleteThis();
   }
   child = nullptr;
+}
+
+// Nodes lie all over the memory: later children are on their way while the first is released.
+template <int number>
+void releaseChildren(ExpressionAST* (&children)[number]) {
+  for (const ExpressionAST* child : children) __builtin_prefetch(child);
+  for (ExpressionAST*& child : children) releaseChild(child);
 }
 
 // The child as a node of the given class, null when it is of another class.
@@ -63,17 +78,17 @@ void StringExpressionAST::deleteThis() { pool.freeElement(this); }
 void ObjectReferenceAST::deleteThis() { pool.freeElement(this); }
 
 void VectorExpressionAST::deleteThis() {
-  for (ExpressionAST*& component : components) releaseChild(component);
+  releaseChildren(components);
   pool.freeElement(this);
 }
 
 void AColorExpressionAST::deleteThis() {
-  for (ExpressionAST*& component : components) releaseChild(component);
+  releaseChildren(components);
   pool.freeElement(this);
 }
 
 void MatrixExpressionAST::deleteThis() {
-  for (ExpressionAST*& row : rows) releaseChild(row);
+  releaseChildren(rows);
   pool.freeElement(this);
 }
 
@@ -117,6 +132,7 @@ void BinaryExpressionAST::deleteThis() {
 }
 
 void BuiltinFunctionAST::deleteThis() {
+  for (int i = 1; i < numArgs; ++i) __builtin_prefetch(args[i]);
   for (int i = 0; i < numArgs; ++i) releaseChild(args[i]);
   delete this;
 }
@@ -124,6 +140,10 @@ void BuiltinFunctionAST::deleteThis() {
 void ListExpressionAST::deleteThis() {
   for (ListCell* cell = head; cell != nullptr;) {
     ListCell* next = cell->next;
+    if (next != nullptr) {
+      __builtin_prefetch(next->expr);
+      __builtin_prefetch(next->next);
+    }
     releaseChild(cell->expr);
     delete cell;
     cell = next;
@@ -134,6 +154,8 @@ void ListExpressionAST::deleteThis() {
 void InterpolateExpressionAST::deleteThis() {
   for (KeyList* pair = first; pair != nullptr;) {
     KeyList* next = pair->next;
+    __builtin_prefetch(next);
+    __builtin_prefetch(pair->value);
     releaseChild(pair->key);
     releaseChild(pair->value);
     pair->next = nullptr;

@@ -21,6 +21,11 @@ void PropertyAST::deleteThis() {
 void ObjectAST::deleteThis() {
   for (PropertyAST* property = firstProperty; property != nullptr;) {
     PropertyAST* following = property->next;
+    // Nodes lie all over the pools: what comes next is on its way while this one is released.
+    if (following != nullptr) {
+      __builtin_prefetch(following->value);
+      __builtin_prefetch(following->next);
+    }
     property->deleteThis();
     property = following;
   }

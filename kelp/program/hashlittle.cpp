@@ -2,7 +2,6 @@
 
 #include <bit>
 #include <cstring>
-#include <memory>
 
 namespace Kelp {
 
@@ -33,67 +32,48 @@ struct HashState {
   }
 };
 
-// The three ways to read a 32-bit word, by the alignment of the key. All go through memcpy or
-// single bytes: the published code's aliasing and its reads past the end are not needed for its
-// values.
-
-struct ReadWords {
-  static uint32_t word(const uint8_t* at) {
-    uint32_t value;
-    std::memcpy(&value, std::assume_aligned<4>(at), sizeof value);
-    return value;
-  }
-};
-
-struct ReadHalfWords {
-  static uint32_t word(const uint8_t* at) {
-    uint16_t half[2];
-    std::memcpy(half, std::assume_aligned<2>(at), sizeof half);
-    return half[0] + (uint32_t{half[1]} << 16);
-  }
-};
-
-struct ReadBytes {
-  static uint32_t word(const uint8_t* at) {
-    return at[0] + (uint32_t{at[1]} << 8) + (uint32_t{at[2]} << 16) + (uint32_t{at[3]} << 24);
-  }
-};
-
-// The last 1 to 12 bytes, missing ones counting as zero.
-uint32_t tailWord(const uint8_t* tail, size_t length, size_t offset) {
-  uint32_t value = 0;
-  for (size_t i = offset; i < length && i < offset + 4; ++i) {
-    value += uint32_t{tail[i]} << (8 * (i - offset));
-  }
+// The published code reads aligned keys by words, others by halves or bytes, all to the same
+// values; a copy of four bytes is one instruction wherever they lie.
+uint32_t wordAt(const uint8_t* at) {
+  uint32_t value;
+  std::memcpy(&value, at, sizeof value);
   return value;
 }
 
-template <class Read>
-uint32_t hashAs(const uint8_t* key, size_t length) {
-  const uint32_t start = 0xdeadbeef + static_cast<uint32_t>(length);
-  HashState state{start, start, start};
-  for (; length > 12; key += 12, length -= 12) {
-    state.a += Read::word(key);
-    state.b += Read::word(key + 4);
-    state.c += Read::word(key + 8);
-    state.mix();
-  }
-  if (length == 0) return state.c;
-  state.a += tailWord(key, length, 0);
-  state.b += tailWord(key, length, 4);
-  state.c += tailWord(key, length, 8);
-  state.finish();
-  return state.c;
+// The word that the last 1 to 3 bytes make, missing ones counting as zero.
+uint32_t partOfAWord(const uint8_t* at, size_t length) {
+  const size_t middle = length / 2;
+  const size_t last = length - 1;
+  return at[0] | uint32_t{at[middle]} << (8 * middle) | uint32_t{at[last]} << (8 * last);
+}
+
+// The word at `offset` of the last 1 to 12 bytes, missing ones counting as zero. A word of which
+// some are there is read with those before it, which are then shifted out.
+uint32_t tailWord(const uint8_t* tail, size_t length, size_t offset) {
+  if (length <= offset) return 0;
+  if (length >= offset + 4) return wordAt(tail + offset);
+  if (length < 4) return partOfAWord(tail, length);
+  return wordAt(tail + length - 4) >> (8 * (offset + 4 - length));
 }
 
 }  // namespace
 
 uint32_t hashlittle(const void* key, size_t length) {
   const auto* bytes = static_cast<const uint8_t*>(key);
-  const auto address = reinterpret_cast<uintptr_t>(key);
-  if (address % 4 == 0) return hashAs<ReadWords>(bytes, length);
-  if (address % 2 == 0) return hashAs<ReadHalfWords>(bytes, length);
-  return hashAs<ReadBytes>(bytes, length);
+  const uint32_t start = 0xdeadbeef + static_cast<uint32_t>(length);
+  HashState state{start, start, start};
+  for (; length > 12; bytes += 12, length -= 12) {
+    state.a += wordAt(bytes);
+    state.b += wordAt(bytes + 4);
+    state.c += wordAt(bytes + 8);
+    state.mix();
+  }
+  if (length == 0) return state.c;
+  state.a += tailWord(bytes, length, 0);
+  state.b += tailWord(bytes, length, 4);
+  state.c += tailWord(bytes, length, 8);
+  state.finish();
+  return state.c;
 }
 
 }  // namespace Kelp

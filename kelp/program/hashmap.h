@@ -12,6 +12,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <utility>
 
 #include "kelp/program/hashlittle.h"
 #include "kelp/utils/pool.h"
@@ -68,42 +69,23 @@ class HashMap {
   /// borrows `key`, which must outlive the entry. The map may be rehashed either way.
   /// Throws ExceptionMsg (then `count` is one too high) or std::bad_alloc.
   Iterator _insert(const char* key, const T& value, KeyFunction keyFunction) {
-    if (keyFunction != nullptr) {
-      _reserveKeyBuffers(key != nullptr ? std::strlen(key) + 1 : 0);
-      keyFunction(value, newKeyBuffer, keyBufferSize);
-      key = newKeyBuffer;
-    }
-    _adaptBucketCount(keyFunction);
-    const int bucket = _bucketOf(key);
-    if (__internal_s* present = _findInBucket(bucket, key, keyFunction)) {
-      return {this, bucket, present};
-    }
-    std::unique_ptr<char[]> ownKey = Kind == 1 ? _copyKey(key) : nullptr;
-    ++count;
-    __internal_s* entry = entryPool.newElement();
-    entry->key = Kind == 1 ? ownKey.release() : keyFunction != nullptr ? nullptr : key;
-    entry->value = value;
-    entry->next = buckets.data[bucket];
-    buckets.data[bucket] = entry;
-    return {this, bucket, entry};
+    if (keyFunction == nullptr) return _insertAs(StoredKeys(), key, _hashOf(key), value);
+    _reserveKeyBuffers(key != nullptr ? std::strlen(key) + 1 : 0);
+    keyFunction(value, newKeyBuffer, keyBufferSize);
+    return _insertAs(_derivedKeys(keyFunction), newKeyBuffer, _hashOf(newKeyBuffer), value);
   }
 
   /// The entry with that key, or null. For maps that store their keys.
-  __internal_s* find(const char* key) const { return _findInBucket(_bucketOf(key), key, nullptr); }
+  __internal_s* find(const char* key) const { return _findAs(_bucketOf(key), key, StoredKeys()); }
 
   /// The first entry of a bucket whose stored or derived key equals `key`, or null. With a key
   /// function the key buffers must have been reserved.
   __internal_s* _findInBucket(int bucket, const char* key, KeyFunction keyFunction) const {
-    __internal_s* entry = buckets.data[bucket];
-    while (entry != nullptr && !_sameKey(_keyOf(entry, keyFunction), key)) entry = entry->next;
-    return entry;
+    if (keyFunction == nullptr) return _findAs(bucket, key, StoredKeys());
+    return _findAs(bucket, key, _derivedKeys(keyFunction));
   }
 
-  int _bucketOf(const char* key) const {
-    if (key == nullptr) return 0;
-    return static_cast<int>(hashlittle(key, std::strlen(key)) %
-                            static_cast<uint32_t>(buckets.count));
-  }
+  int _bucketOf(const char* key) const { return _bucketOf(_hashOf(key)); }
 
   /// Removes the entry with that key, if there is one; the map may then shrink or grow.
   /// For maps that store their keys.
@@ -115,25 +97,15 @@ class HashMap {
     *link = entry->next;
     _releaseEntry(entry);
     --count;
-    _adaptBucketCount(nullptr);
+    _adaptBucketCount(StoredKeys());
   }
 
   /// Distributes the entries over bucketCount buckets. Entries are relinked, not copied, and the
   /// order within a chain is not kept. Throws std::bad_alloc, and then the map is unchanged.
   void _resize_table(int bucketCount, KeyFunction keyFunction) {
-    if (keyFunction != nullptr) _reserveKeyBuffers(0);
-    std::unique_ptr<__internal_s*[]> old(_newBuckets(bucketCount));
-    const int oldCount = buckets.count;
-    old.reset(_installBuckets(old.release(), bucketCount));
-    for (int i = 0; i < oldCount; ++i) {
-      for (__internal_s* entry = old[static_cast<size_t>(i)]; entry != nullptr;) {
-        __internal_s* following = entry->next;
-        __internal_s*& head = buckets.data[_bucketOf(_keyOf(entry, keyFunction))];
-        entry->next = head;
-        head = entry;
-        entry = following;
-      }
-    }
+    if (keyFunction == nullptr) return _rehash(bucketCount, StoredKeys());
+    _reserveKeyBuffers(0);
+    _rehash(bucketCount, _derivedKeys(keyFunction));
   }
 
   /// Gives a chain back to the pool, its first entry last (so that it is handed out first).
@@ -177,6 +149,73 @@ class HashMap {
     keyBufferSize = static_cast<int32_t>(needed);
   }
 
+  // The operations below take the way to the keys as an argument `keys`: StoredKeys, what
+  // _derivedKeys gives, or a class of its owner's that does the same for one key function but
+  // faster. Hashes are those of whole keys; a null key has 0.
+
+  struct StoredKeys {
+    static constexpr bool kStored = true;
+
+    /// Fetch what the other operations will read, in two steps that do not wait.
+    void fetchValue(const __internal_s*) const {}
+    void fetchKey(const __internal_s* entry) const { __builtin_prefetch(entry->key); }
+
+    uint32_t hash(const __internal_s* entry) const { return _hashOf(entry->key); }
+    bool equals(const __internal_s* entry, const char* key) const {
+      return _sameKey(entry->key, key);
+    }
+  };
+
+  static uint32_t _hashOf(const char* key) {
+    return key != nullptr ? hashlittle(key, std::strlen(key)) : 0;
+  }
+
+  int _bucketOf(uint32_t hash) const {
+    return static_cast<int>(hash % static_cast<uint32_t>(buckets.count));
+  }
+
+  /// Lets memory fetch the first entry of that hash's bucket.
+  void _fetchBucket(uint32_t hash) const { __builtin_prefetch(&buckets.data[_bucketOf(hash)]); }
+
+  /// The first entry of a bucket that has that key, or null.
+  template <class Keys>
+  __internal_s* _findAs(int bucket, const char* key, const Keys& keys) const {
+    __internal_s* entry = buckets.data[bucket];
+    while (entry != nullptr && !keys.equals(entry, key)) entry = entry->next;
+    return entry;
+  }
+
+  /// _insert for a key in hand.
+  template <class Keys>
+  Iterator _insertAs(const Keys& keys, const char* key, uint32_t hash, const T& value) {
+    _adaptBucketCount(keys);
+    const int bucket = _bucketOf(hash);
+    if (__internal_s* present = _findAs(bucket, key, keys)) return {this, bucket, present};
+    return {this, bucket, _link(bucket, Keys::kStored ? key : nullptr, value)};
+  }
+
+  /// Makes an entry at the head of a bucket, in which its key must not be. Throws as _insert does.
+  __internal_s* _link(int bucket, const char* key, const T& value) {
+    std::unique_ptr<char[]> ownKey = Kind == 1 ? _copyKey(key) : nullptr;
+    ++count;
+    __internal_s* entry = entryPool.newElement();
+    entry->key = Kind == 1 ? ownKey.release() : key;
+    entry->value = value;
+    entry->next = buckets.data[bucket];
+    buckets.data[bucket] = entry;
+    return entry;
+  }
+
+  /// One step up or down the list of bucket counts, if the load asks for it; whether it did.
+  /// Throws std::bad_alloc, and then the map is unchanged.
+  template <class Keys>
+  bool _adaptBucketCount(const Keys& keys) {
+    const int wanted = recommendedBucketCount(count, buckets.count);
+    if (wanted == buckets.count) return false;
+    _rehash(wanted, keys);
+    return true;
+  }
+
   SimplePool<__internal_s, 1000, false> entryPool;
   Table<__internal_s*, 1000> buckets;  ///< chain heads; its count is the bucket count
   int32_t count = 0;                   ///< number of entries
@@ -213,15 +252,65 @@ class HashMap {
     return old;
   }
 
-  const char* _keyOf(const __internal_s* entry, KeyFunction keyFunction) const {
-    if (keyFunction == nullptr) return entry->key;
-    keyFunction(entry->value, entryKeyBuffer, keyBufferSize);
-    return entryKeyBuffer;
+  struct DerivedKeys {
+    static constexpr bool kStored = false;
+    KeyFunction keyFunction;
+    char* buffer;
+    int bufferSize;
+
+    const char* of(const __internal_s* entry) const {
+      keyFunction(entry->value, buffer, bufferSize);
+      return buffer;
+    }
+    void fetchValue(const __internal_s*) const {}
+    void fetchKey(const __internal_s*) const {}
+    uint32_t hash(const __internal_s* entry) const { return _hashOf(of(entry)); }
+    bool equals(const __internal_s* entry, const char* key) const {
+      return _sameKey(of(entry), key);
+    }
+  };
+
+  // Good until the key buffers are replaced.
+  DerivedKeys _derivedKeys(KeyFunction keyFunction) const {
+    return {keyFunction, entryKeyBuffer, keyBufferSize};
   }
 
-  void _adaptBucketCount(KeyFunction keyFunction) {
-    const int wanted = recommendedBucketCount(count, buckets.count);
-    if (wanted != buckets.count) _resize_table(wanted, keyFunction);
+  static constexpr int kBatch = 32;
+
+  template <class Keys>
+  [[gnu::noinline]] void _rehash(int bucketCount, const Keys& keys) {
+    std::unique_ptr<__internal_s*[]> old(_newBuckets(bucketCount));
+    const int oldCount = buckets.count;
+    old.reset(_installBuckets(old.release(), bucketCount));
+    __internal_s* batch[kBatch];
+    int size = 0;
+    for (int i = 0; i < oldCount; ++i) {
+      if (oldCount - i > kBatch) __builtin_prefetch(old[static_cast<size_t>(i + kBatch)]);
+      for (__internal_s* entry = old[static_cast<size_t>(i)]; entry != nullptr;) {
+        __internal_s* following = entry->next;
+        batch[size++] = entry;
+        if (size == kBatch) _distribute(batch, std::exchange(size, 0), keys);
+        entry = following;
+      }
+    }
+    _distribute(batch, size, keys);
+  }
+
+  // Puts entries at the heads of their buckets, one after the other. Their values, keys and buckets
+  // lie all over memory, so each kind is fetched for all of them before it is needed.
+  template <class Keys>
+  void _distribute(__internal_s* const* entries, int size, const Keys& keys) {
+    __internal_s** heads[kBatch];
+    for (int i = 0; i < size; ++i) keys.fetchValue(entries[i]);
+    for (int i = 0; i < size; ++i) keys.fetchKey(entries[i]);
+    for (int i = 0; i < size; ++i) {
+      heads[i] = &buckets.data[_bucketOf(keys.hash(entries[i]))];
+      __builtin_prefetch(heads[i], 1);
+    }
+    for (int i = 0; i < size; ++i) {
+      entries[i]->next = *heads[i];
+      *heads[i] = entries[i];
+    }
   }
 
   void _freeKeyBuffers() noexcept {

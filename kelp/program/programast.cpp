@@ -27,6 +27,14 @@ class KeyWriter {
     if (!text.isEmpty()) append(text.chars(), std::strlen(text.chars()));
   }
 
+  void appendKeyOf(const ObjectAST& object) {
+    append(object.type);
+    append("\t", 1);
+    append(object.name);
+  }
+
+  size_t length(const char* buffer) const { return static_cast<size_t>(at - buffer); }
+
  private:
   char* at;
   int room;
@@ -34,38 +42,100 @@ class KeyWriter {
 
 size_t lengthOf(const CharString& text) { return static_cast<size_t>(text.length()); }
 
+const char* charsOrEmpty(const CharString& text) {
+  const char* chars = text.chars();
+  return chars != nullptr ? chars : "";
+}
+
+// The keys that getNameTypeKey derives, as ObjectMap wants them.
+struct NameTypeKeys {
+  using Entry = ProgramAST::ObjectMap::__internal_s;
+  char* buffer;  // the map's, for the keys of entries
+  int bufferSize;
+  bool mayBeCut;  // the key searched for is as long as keys are that were cut
+
+  void fetchValue(const Entry* entry) const { __builtin_prefetch(entry->value); }
+  void fetchKey(const Entry* entry) const { __builtin_prefetch(entry->value->name.buffer); }
+
+  uint32_t hash(const Entry* entry) const {
+    KeyWriter key(buffer, bufferSize);
+    key.appendKeyOf(*entry->value);
+    return hashlittle(buffer, key.length(buffer));
+  }
+
+  // Part by part, without the key that they make.
+  bool equals(const Entry* entry, const char* key) const {
+    if (mayBeCut) {
+      getNameTypeKey(entry->value, buffer, bufferSize);
+      return std::strcmp(buffer, key) == 0;
+    }
+    const char* type = charsOrEmpty(entry->value->type);
+    while (*type != '\0' && *type == *key) ++type, ++key;
+    return *type == '\0' && *key == '\t' &&
+           std::strcmp(charsOrEmpty(entry->value->name), key + 1) == 0;
+  }
+};
+
+// Lets memory fetch what the release of the next object will read first; two steps of the way were
+// taken by the calls for the objects before it.
+void fetchForRelease(const ObjectAST& object) {
+  if (object.firstProperty != nullptr) __builtin_prefetch(object.firstProperty->value);
+  if (object.next == nullptr) return;
+  __builtin_prefetch(object.next->firstProperty);
+  __builtin_prefetch(object.next->next);
+}
+
+bool isSameName(const ObjectAST& a, const ObjectAST& b) {
+  return a.type == b.type && a.name == b.name;
+}
+
 }  // namespace
 
 void getNameTypeKey(ObjectAST* const& object, char* buffer, int bufferSize) {
-  KeyWriter key(buffer, bufferSize);
-  key.append(object->type);
-  key.append("\t", 1);
-  key.append(object->name);
+  KeyWriter(buffer, bufferSize).appendKeyOf(*object);
 }
 
-// The object of the same type and name, or null. The key alone does not decide: a tab inside a
-// name, or an absent and an empty type, can give two different objects one key.
-ObjectAST* ProgramAST::_findTyped(ObjectAST* object) {
-  const size_t size = lengthOf(object->type) + 1 + lengthOf(object->name) + 1;
+// The search for an object's type and name. Its key lies in the map's buffer for new keys, whole.
+struct ProgramAST::TypedSearch {
+  NameTypeKeys keys;
+  const char* key;
+  uint32_t hash;
+  int bucket;
+  const ObjectMap::__internal_s* present;  // the entry of that key, or null
+
+  void repeat(const ObjectMap& map) {
+    bucket = map._bucketOf(hash);
+    present = map._findAs(bucket, key, keys);
+  }
+};
+
+auto ProgramAST::_searchTyped(const ObjectAST& object) -> TypedSearch {
+  const size_t size = lengthOf(object.type) + 1 + lengthOf(object.name) + 1;
   if (size > static_cast<size_t>(INT_MAX)) throw std::bad_alloc();
-  char shortKey[256];
-  std::unique_ptr<char[]> longKey(size > sizeof shortKey ? new char[size] : nullptr);
-  char* key = longKey != nullptr ? longKey.get() : shortKey;
-  getNameTypeKey(object, key, static_cast<int>(size));
   typedObjects._reserveKeyBuffers(size);
-  const int bucket = typedObjects._bucketOf(key);
-  const auto* entry = typedObjects._findInBucket(bucket, key, getNameTypeKey);
-  if (entry == nullptr) return nullptr;
-  ObjectAST* candidate = entry->value;
-  const bool same = candidate->type == object->type && candidate->name == object->name;
-  return same ? candidate : nullptr;
+  KeyWriter(typedObjects.newKeyBuffer, typedObjects.keyBufferSize).appendKeyOf(object);
+  const bool mayBeCut = size == static_cast<size_t>(typedObjects.keyBufferSize);
+  TypedSearch search{{typedObjects.entryKeyBuffer, typedObjects.keyBufferSize, mayBeCut},
+                     typedObjects.newKeyBuffer,
+                     hashlittle(typedObjects.newKeyBuffer, size - 1),
+                     0,
+                     nullptr};
+  search.repeat(typedObjects);
+  return search;
 }
 
 void ProgramAST::addObject(ObjectAST* object, double t1, double t2,
                            Table<ObjectAST*, 100>* mergedObjects) {
   _refuseDuringFilter("addObject");
   assert(!_isListed(object) && "an object is added twice");
-  if (ObjectAST* existing = _findTyped(object)) {
+  const char* name = object->name.chars();
+  const uint32_t nameHash = ObjectMap::_hashOf(name);
+  namedObjects._fetchBucket(nameHash);
+  TypedSearch search = _searchTyped(*object);
+  // The key alone does not decide: a tab inside a name, or an absent and an empty type, can give
+  // two different objects one key.
+  if (search.present != nullptr && isSameName(*search.present->value, *object)) {
+    ObjectAST* existing = search.present->value;
     // Reported first, being the only step that can fail: afterwards the newcomer is gone.
     if (mergedObjects != nullptr) *mergedObjects += existing;
     existing->merge(object, t1, t2);
@@ -75,8 +145,10 @@ void ProgramAST::addObject(ObjectAST* object, double t1, double t2,
   // On the list before anything can fail: from here on the program owns the object.
   object->next = firstObject;
   firstObject = object;
-  typedObjects._insert(nullptr, object, getNameTypeKey);
-  namedObjects._insert(object->name.chars(), object, nullptr);
+  // An object whose name has changed may have been in another bucket than its own until now.
+  if (typedObjects._adaptBucketCount(search.keys)) search.repeat(typedObjects);
+  if (search.present == nullptr) typedObjects._link(search.bucket, nullptr, object);
+  namedObjects._insertAs(ObjectMap::StoredKeys(), name, nameHash, object);
   ++numObjects;
 }
 
@@ -133,6 +205,7 @@ void ProgramAST::deleteThis() {
   }
   for (ObjectAST* object = firstObject; object != nullptr;) {
     ObjectAST* following = object->next;
+    if (following != nullptr) fetchForRelease(*following);
     object->deleteThis();
     object = following;
   }

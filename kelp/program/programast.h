@@ -76,7 +76,9 @@ class ProgramAST final : public AST {
   int32_t numObjects = 0;            ///< objects added as new
 
  private:
-  ObjectAST* _findTyped(ObjectAST* object);
+  struct TypedSearch;
+
+  TypedSearch _searchTyped(const ObjectAST& object);
   void _refuseDuringFilter(const char* operation) const;
   bool _isListed(const ObjectAST* object) const;
 
