@@ -1,22 +1,31 @@
-// Scenes for benchmarks: the same text for the same size, on every machine.
+// Contents for benchmarks: the same for the same size on every machine, and the same in each
+// syntax.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
+
+#include "bench/contentwriter.h"
 
 namespace KelpBench {
 
-/// A scene of mesh objects with long lists of vertices, normals and faces, as exporters write
-/// them; at least `bytes` long, and longer by less than one mesh.
-std::string meshScene(size_t bytes);
+enum class Content {
+  kMesh,         ///< few objects with long lists of vertices, normals and faces
+  kObjects,      ///< small objects with seven to ten mixed properties each
+  kExpressions,  ///< arithmetic, calls, interpolation and nested lists
+  kHex,          ///< meshes whose lists are hexadecimal texts
+};
 
-/// A scene of small objects with six to ten mixed properties each; at least `bytes` long.
-std::string objectScene(size_t bytes);
+struct GeneratedText {
+  std::string text;
+  int64_t objects = 0;
+  int64_t values = 0;     ///< see ContentWriter
+  int64_t listBytes = 0;  ///< see ContentWriter
+};
 
-/// A scene of arithmetic, calls, interpolation and nested lists; at least `bytes` long.
-std::string expressionScene(size_t bytes);
-
-/// A scene of meshes whose lists are hexadecimal texts; at least `bytes` long.
-std::string hexScene(size_t bytes);
+/// As many objects of the content as make a scene text of at least `sceneBytes` (longer by less
+/// than one object), in the wanted syntax.
+GeneratedText generate(Content content, Syntax syntax, size_t sceneBytes);
 
 }  // namespace KelpBench
