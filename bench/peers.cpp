@@ -1,8 +1,9 @@
 #include "bench/peers.h"
 
 #include <charconv>
+#include <cstring>
 #include <stdexcept>
-#include <type_traits>
+#include <string_view>
 
 #include "kelp/parser/treeparser.h"
 
@@ -70,7 +71,7 @@ class RapidJsonReader : public TreeReader {
 
   void parse() override {
     document = std::make_unique<rapidjson::Document>();
-    document->Parse(text->data(), text->size());
+    document->Parse(text->c_str());  // its fastest way of reading, for texts that end with a zero
     expect(!document->HasParseError(), "RapidJSON does not like the text");
   }
 
@@ -83,19 +84,30 @@ class RapidJsonReader : public TreeReader {
 #endif
 
 #ifdef KELP_BENCH_SIMDJSON
-// The parser is used again for each text, as its documentation recommends: its tree then lies where
-// the one before lay, and there is nothing to release.
+// A tree belongs to its parser, so that there is one for each tree.
 class SimdJsonReader : public TreeReader {
  public:
   void prepare(const std::string& jsonText) override { text = simdjson::padded_string(jsonText); }
 
-  void parse() override { expect(parser.parse(text).error() == 0, "simdjson does not like it"); }
+  void parse() override {
+    if (parser == nullptr) parser = std::make_unique<simdjson::dom::parser>();
+    expect(parser->parse(text).error() == 0, "simdjson does not like the text");
+  }
 
-  void release() override {}
+  void release() override { parser.reset(); }
 
  private:
   simdjson::padded_string text;
-  simdjson::dom::parser parser;
+
+ protected:
+  std::unique_ptr<simdjson::dom::parser> parser;
+};
+
+// For who needs one tree at a time its documentation recommends to use the parser again: the next
+// tree then lies where the one before lay, and nothing is ever released.
+class SimdJsonAgainReader : public SimdJsonReader {
+ public:
+  void release() override {}
 };
 #endif
 
@@ -124,7 +136,6 @@ class PugiXmlReader : public TreeReader {
   void parse() override {
     document = std::make_unique<pugi::xml_document>();
     expect(bool{document->load_buffer(text->data(), text->size())}, "pugixml does not like it");
-    pugi::xml_node top = *document;
     Converter converter{*this};
     document->traverse(converter);
   }
@@ -158,16 +169,10 @@ class PugiXmlReader : public TreeReader {
   template <class Number>
   static void _convert(const char* at, std::vector<Number>& numbers) {
     if (!(*at == '-' || (*at >= '0' && *at <= '9'))) return;
-    // A hexadecimal text is no list of numbers.
-    constexpr size_t kLongest = 16;
-    const std::string_view all(at);
-    if (all.find_first_not_of("-.0123456789", 0) < kLongest &&
-        all[all.find_first_not_of("-.0123456789", 0)] != ' ') {
-      return;
-    }
-    for (const char* end = at + all.size(); at < end; ++at) {
+    for (const char* end = at + std::strlen(at); at < end; ++at) {
       Number number{};
       at = std::from_chars(at, end, number).ptr;
+      if (at < end && *at != ' ') return;  // a hexadecimal text
       numbers.push_back(number);
     }
   }
@@ -194,6 +199,7 @@ const std::vector<ReaderKind>& readerKinds() {
 #endif
 #ifdef KELP_BENCH_SIMDJSON
       {"simdjson", Syntax::kJson, make<SimdJsonReader>},
+      {"simdjson*", Syntax::kJson, make<SimdJsonAgainReader>},
 #endif
 #ifdef KELP_BENCH_NLOHMANN
       {"nlohmann", Syntax::kJson, make<NlohmannReader>},

@@ -1,0 +1,144 @@
+// How fast are the same contents read into whole trees, by Kelp and by readers of JSON and XML?
+//
+//   kelp_bench                               the four contents at 20 MB of scene text
+//   kelp_bench --megabytes=100 --benchmark_filter=mesh
+//   kelp_bench --readers=Kelp,RapidJSON --rounds=40
+//   kelp_bench --benchmark_out=FILE          every round as JSON
+//
+// A round asks all readers, one after the other, beginning with another one each time; a ratio is
+// made of two times of one round. Each reader begins in a new process and reads the text twice:
+// first in fresh memory, as a program does that reads one scene, then again where the released tree
+// lay. What is printed are medians over the rounds with quartiles.
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "bench/report.h"
+#include "bench/scenegenerator.h"
+#include "bench/worker.h"
+
+namespace {
+
+using namespace KelpBench;
+
+struct Options {
+  double megabytes = 20;
+  int rounds = 11;
+  std::string readers;  // names with commas between them; empty: all
+};
+
+Options options;
+
+bool isWanted(const ReaderKind& kind) {
+  if (options.readers.empty()) return true;
+  return ("," + options.readers + ",").find("," + std::string(kind.name) + ",") !=
+         std::string::npos;
+}
+
+// One content in the syntaxes of its readers.
+class Contest {
+ public:
+  explicit Contest(Content contestContent) : content(contestContent) {
+    for (const ReaderKind& kind : readerKinds()) {
+      if (!isWanted(kind)) continue;
+      kinds.push_back(&kind);
+      if (texts.find(kind.syntax) != texts.end()) continue;
+      texts[kind.syntax] =
+          generate(content, kind.syntax, static_cast<size_t>(options.megabytes * 1e6));
+    }
+  }
+
+  void round(benchmark::State& state) {
+    for (size_t i = 0; i < kinds.size(); ++i) _run(state, *kinds[(i + rounds) % kinds.size()]);
+    ++rounds;
+  }
+
+  const Content content;
+
+ private:
+  void _run(benchmark::State& state, const ReaderKind& kind) const {
+    const GeneratedText& text = texts.at(kind.syntax);
+    Worker worker(kind, text.text);
+    const Sample first = worker.run();
+    const Sample again = worker.run();
+    const auto put = [&](const char* what, double value) {
+      state.counters[std::string(kind.name) + "." + what] = value;
+    };
+    put("first", first.parseSeconds);
+    put("again", again.parseSeconds);
+    put("release", first.releaseSeconds);
+    put("peak", static_cast<double>(first.peakBytes));
+    put("allocations", static_cast<double>(first.allocations));
+    put("bytes", static_cast<double>(text.text.size()));
+    state.counters["values"] = static_cast<double>(text.values);
+    state.counters["objects"] = static_cast<double>(text.objects);
+    state.counters["listBytes"] = static_cast<double>(text.listBytes);
+    if (&kind == kinds.front()) state.SetIterationTime(first.parseSeconds);
+  }
+
+  std::vector<const ReaderKind*> kinds;
+  std::map<Syntax, GeneratedText> texts;
+  size_t rounds = 0;
+};
+
+// Repetitions of a benchmark come one after another; its texts are kept for them.
+void measure(benchmark::State& state, Content content) {
+  static std::unique_ptr<Contest> contest;
+  if (contest == nullptr || contest->content != content) {
+    contest.reset();
+    contest = std::make_unique<Contest>(content);
+  }
+  for (auto iteration : state) {
+    static_cast<void>(iteration);
+    contest->round(state);
+  }
+}
+
+// Takes our own options out of the arguments.
+int readOptions(int argc, char** argv) {
+  int kept = 0;
+  for (int i = 0; i < argc; ++i) {
+    if (std::strncmp(argv[i], "--megabytes=", 12) == 0) {
+      options.megabytes = std::atof(argv[i] + 12);
+    } else if (std::strncmp(argv[i], "--readers=", 10) == 0) {
+      options.readers = argv[i] + 10;
+    } else if (std::strncmp(argv[i], "--rounds=", 9) == 0) {
+      options.rounds = std::atoi(argv[i] + 9);
+    } else {
+      argv[kept++] = argv[i];
+    }
+  }
+  return kept;
+}
+
+void registerContents() {
+  const std::pair<const char*, Content> contents[] = {{"mesh", Content::kMesh},
+                                                      {"objects", Content::kObjects},
+                                                      {"expressions", Content::kExpressions},
+                                                      {"hex", Content::kHex}};
+  for (const auto& [name, content] : contents) {
+    benchmark::RegisterBenchmark(name, measure, content)
+        ->Iterations(1)
+        ->Repetitions(options.rounds)
+        ->UseManualTime();
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  argc = readOptions(argc, argv);
+  registerContents();
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  Report report;
+  benchmark::RunSpecifiedBenchmarks(&report);
+  return 0;
+}
