@@ -3,6 +3,7 @@
 //   kelp_bench                               the four contents at 20 MB of scene text
 //   kelp_bench --megabytes=100 --benchmark_filter=mesh
 //   kelp_bench --readers=Kelp,RapidJSON --rounds=40
+//   kelp_bench --sizes                       time against size, from 1 MB to 1 GB
 //   kelp_bench --benchmark_out=FILE          every round as JSON
 //
 // A round asks all readers, one after the other, beginning with another one each time; a ratio is
@@ -18,6 +19,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bench/report.h"
@@ -28,10 +30,17 @@ namespace {
 
 using namespace KelpBench;
 
+#ifdef __clang__
+constexpr const char* kCompiler = "clang " __clang_version__;
+#else
+constexpr const char* kCompiler = "g++ " __VERSION__;
+#endif
+
 struct Options {
   double megabytes = 20;
   int rounds = 11;
   std::string readers;  // names with commas between them; empty: all
+  bool sizes = false;
 };
 
 Options options;
@@ -42,16 +51,16 @@ bool isWanted(const ReaderKind& kind) {
          std::string::npos;
 }
 
-// One content in the syntaxes of its readers.
+// One content of one size in the syntaxes of its readers.
 class Contest {
  public:
-  explicit Contest(Content contestContent) : content(contestContent) {
+  Contest(Content contestContent, double contestMegabytes)
+      : content(contestContent), megabytes(contestMegabytes) {
     for (const ReaderKind& kind : readerKinds()) {
       if (!isWanted(kind)) continue;
       kinds.push_back(&kind);
       if (texts.find(kind.syntax) != texts.end()) continue;
-      texts[kind.syntax] =
-          generate(content, kind.syntax, static_cast<size_t>(options.megabytes * 1e6));
+      texts[kind.syntax] = generate(content, kind.syntax, static_cast<size_t>(megabytes * 1e6));
     }
   }
 
@@ -61,27 +70,44 @@ class Contest {
   }
 
   const Content content;
+  const double megabytes;
 
  private:
   void _run(benchmark::State& state, const ReaderKind& kind) const {
     const GeneratedText& text = texts.at(kind.syntax);
+    if (!_fits(kind, text)) return;
     Worker worker(kind, text.text);
     const Sample first = worker.run();
-    const Sample again = worker.run();
     const auto put = [&](const char* what, double value) {
       state.counters[std::string(kind.name) + "." + what] = value;
     };
     put("first", first.parseSeconds);
-    put("again", again.parseSeconds);
+    if (!options.sizes) put("again", worker.run().parseSeconds);
     put("release", first.releaseSeconds);
     put("peak", static_cast<double>(first.peakBytes));
     put("allocations", static_cast<double>(first.allocations));
     put("bytes", static_cast<double>(text.text.size()));
+    state.counters["megabytes"] = megabytes;
     state.counters["values"] = static_cast<double>(text.values);
     state.counters["objects"] = static_cast<double>(text.objects);
     state.counters["listBytes"] = static_cast<double>(text.listBytes);
     if (&kind == kinds.front()) state.SetIterationTime(first.parseSeconds);
+    peaks[{content, &kind}] = static_cast<double>(first.peakBytes) / megabytes;
   }
+
+  // Judged by the size before. A reader that drove others out of memory would spoil all times.
+  bool _fits(const ReaderKind& kind, const GeneratedText& text) const {
+    const auto peak = peaks.find({content, &kind});
+    if (peak == peaks.end()) return true;
+    const double needed = peak->second * megabytes + static_cast<double>(text.text.size());
+    if (needed < kMostOfMemory * static_cast<double>(availableBytes())) return true;
+    std::fprintf(stderr, "%s is left out: it needs about %.1f GB\n", kind.name, needed / 1e9);
+    return false;
+  }
+
+  static constexpr double kMostOfMemory = 0.8;
+  // Peak of a reader with a content for each MB, from the last time.
+  static inline std::map<std::pair<Content, const ReaderKind*>, double> peaks;
 
   std::vector<const ReaderKind*> kinds;
   std::map<Syntax, GeneratedText> texts;
@@ -89,11 +115,11 @@ class Contest {
 };
 
 // Repetitions of a benchmark come one after another; its texts are kept for them.
-void measure(benchmark::State& state, Content content) {
+void measure(benchmark::State& state, Content content, double megabytes) {
   static std::unique_ptr<Contest> contest;
-  if (contest == nullptr || contest->content != content) {
+  if (contest == nullptr || contest->content != content || contest->megabytes != megabytes) {
     contest.reset();
-    contest = std::make_unique<Contest>(content);
+    contest = std::make_unique<Contest>(content, megabytes);
   }
   for (auto iteration : state) {
     static_cast<void>(iteration);
@@ -111,6 +137,8 @@ int readOptions(int argc, char** argv) {
       options.readers = argv[i] + 10;
     } else if (std::strncmp(argv[i], "--rounds=", 9) == 0) {
       options.rounds = std::atoi(argv[i] + 9);
+    } else if (std::strcmp(argv[i], "--sizes") == 0) {
+      options.sizes = true;
     } else {
       argv[kept++] = argv[i];
     }
@@ -118,16 +146,33 @@ int readOptions(int argc, char** argv) {
   return kept;
 }
 
-void registerContents() {
+void registerContest(const std::string& name, Content content, double megabytes, int rounds) {
+  benchmark::RegisterBenchmark(name.c_str(), measure, content, megabytes)
+      ->Iterations(1)
+      ->Repetitions(rounds)
+      ->UseManualTime();
+}
+
+// Small ones are measured more often, since they are over sooner.
+void registerSizes(const std::string& name, Content content) {
+  constexpr std::pair<int, int> kSizesAndRounds[] = {{1, 9},   {3, 9},   {10, 5},  {30, 5},
+                                                     {100, 3}, {300, 1}, {1000, 1}};
+  for (const auto& [megabytes, rounds] : kSizesAndRounds) {
+    registerContest(name + "/" + std::to_string(megabytes), content, megabytes, rounds);
+  }
+}
+
+void registerAll() {
   const std::pair<const char*, Content> contents[] = {{"mesh", Content::kMesh},
                                                       {"objects", Content::kObjects},
                                                       {"expressions", Content::kExpressions},
                                                       {"hex", Content::kHex}};
   for (const auto& [name, content] : contents) {
-    benchmark::RegisterBenchmark(name, measure, content)
-        ->Iterations(1)
-        ->Repetitions(options.rounds)
-        ->UseManualTime();
+    if (options.sizes) {
+      registerSizes(name, content);
+    } else {
+      registerContest(name, content, options.megabytes, options.rounds);
+    }
   }
 }
 
@@ -135,7 +180,8 @@ void registerContents() {
 
 int main(int argc, char** argv) {
   argc = readOptions(argc, argv);
-  registerContents();
+  registerAll();
+  benchmark::AddCustomContext("compiler", kCompiler);
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   Report report;

@@ -5,7 +5,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -23,14 +22,16 @@ namespace {
   std::exit(2);
 }
 
-// A line "NAME:   123 kB" of the process's own status.
-int64_t statusBytes(const std::string& name) {
-  std::ifstream status("/proc/self/status");
-  for (std::string line; std::getline(status, line);) {
+// From a line "NAME:   123 kB" of one of the system's tables.
+int64_t tableBytes(const char* table, const std::string& name) {
+  std::ifstream lines(table);
+  for (std::string line; std::getline(lines, line);) {
     if (line.rfind(name, 0) == 0) return std::atoll(line.c_str() + name.size()) * 1024;
   }
   return 0;
 }
+
+int64_t statusBytes(const std::string& name) { return tableBytes("/proc/self/status", name); }
 
 // Pages that are shared with the parent until someone writes to them count as the process's own,
 // here and at the peak.
@@ -79,6 +80,8 @@ void serve(TreeReader& reader, int channel) {
 }
 
 }  // namespace
+
+int64_t availableBytes() { return tableBytes("/proc/meminfo", "MemAvailable:"); }
 
 double processSeconds() {
   timespec time{};

@@ -38,6 +38,9 @@ class Worker {
   int channel = -1;
 };
 
+/// What the system could give to processes now.
+int64_t availableBytes();
+
 /// Processor time of this process so far.
 double processSeconds();
 
