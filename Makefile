@@ -9,7 +9,7 @@ EXAMPLE := examples/kitchen.scene
 
 .DEFAULT_GOAL := build
 .PHONY: setup build release debug sanitize run test test-sanitize format format-check check-includes \
-        tidy bench growth fuzz proof install clean
+        tidy bench bench-sizes growth fuzz proof install clean
 
 # $(call build,PRESET[,TARGET]) configures a preset and builds all of it, or one target.
 define build
@@ -50,9 +50,11 @@ tidy:
 	cmake --preset release
 	scripts/tidy build/release
 
-bench: setup
+# Readers that Kelp is compared with; nothing else needs them.
+bench bench-sizes:
+	scripts/setup python3 libsimdjson-dev nlohmann-json3-dev libpugixml-dev
 	$(call build,release,kelp_bench)
-	build/release/bench/kelp_bench
+	scripts/bench $(if $(filter bench-sizes,$@),--sizes)
 
 fuzz: setup
 	scripts/fuzz $(FUZZ_SECONDS)

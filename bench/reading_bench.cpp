@@ -179,6 +179,9 @@ void registerAll() {
 }  // namespace
 
 int main(int argc, char** argv) {
+  std::string command;
+  for (int i = 0; i < argc; ++i) command += (i == 0 ? "" : " ") + std::string(argv[i]);
+  benchmark::AddCustomContext("command", command);
   argc = readOptions(argc, argv);
   registerAll();
   benchmark::AddCustomContext("compiler", kCompiler);

@@ -1,6 +1,7 @@
 #include "bench/report.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <functional>
 #include <map>
@@ -89,7 +90,7 @@ void printReader(const Rounds& rounds, const std::string& reader) {
   const double values = rounds.median("values");
   const double bytes = median("bytes");
   std::printf("  %-10s %7.1f %8.1f %8.1f %8.0f %9.1f %8.3f %9.3f %8.1f", reader.c_str(),
-              bytes / 1e6, parse * 1e3, isRepeated ? median("again") * 1e3 : 0.0,
+              bytes / 1e6, parse * 1e3, isRepeated ? median("again") * 1e3 : std::nan(""),
               bytes / parse / 1e6, parse / values * 1e9,
               rounds.ratio(reader + ".release", reader + ".first").median,
               median("allocations") / values, median("peak") / 1e6);
