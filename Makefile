@@ -53,7 +53,7 @@ tidy:
 # Readers that Kelp is compared with; nothing else needs them.
 bench bench-sizes:
 	scripts/setup python3 libsimdjson-dev nlohmann-json3-dev libpugixml-dev
-	$(call build,release,kelp_bench)
+	$(call build,release,kelp_bench kelp_program)
 	scripts/bench $(if $(filter bench-sizes,$@),--sizes)
 
 fuzz: setup

@@ -1,7 +1,7 @@
 #include "bench/contentwriter.h"
 
-#include <array>
 #include <charconv>
+#include <iterator>
 
 namespace KelpBench {
 
@@ -10,106 +10,85 @@ namespace {
 // What a part begins with, what stands between its parts, and what it ends with. % is its name, &
 // its second name.
 struct Form {
-  std::array<const char*, 3> pieces;
+  const char* first;
+  const char* between;
+  const char* last;
 };
 
 struct Forms {
+  Part part;
   Form scene, json, xml;
 };
 
-// JSON is an array of objects with their type, name and properties as members, without blanks, as
-// the libraries print it. An expression is an array whose first element says what the others are,
-// but numbers, which stand for themselves, and references, which are strings.
+// In the order of Part. JSON is an array of objects with their type, name and properties as
+// members, without blanks, as the libraries print it. An expression is an array whose first element
+// says what the others are, but numbers, which stand for themselves, and references, which are
+// strings.
 //
 // XML is an element for each object. Short properties are its attributes, long ones elements within
 // it; the numbers of a list stand in one text with blanks between them, an expression is an
 // element with its operands within.
-Forms formsOf(Part part) {
-  switch (part) {
-    case Part::kProgram:
-      return {{{"", "", ""}}, {{"[\n", ",\n", "\n]\n"}}, {{"<scene>\n", "", "</scene>\n"}}};
-    case Part::kObject:
-      return {{{"% & {\n", "", "}\n"}},
-              {{R"({"type":"%","name":"&")", "", "}"}},
-              {{R"(<% name="&")", ">", "</%>\n"}}};
-    case Part::kProperty:
-      return {{{"\t% = ", "", ";\n"}}, {{R"(,"%":)", "", ""}}, {{R"( %=")", "", "\""}}};
-    case Part::kLongProperty:
-      return {{{"\t% = ", "", ";\n"}}, {{R"(,"%":)", "", ""}}, {{"<%>", "", "</%>"}}};
-    case Part::kText:
-      return {{{"\"", "", "\""}}, {{"\"", "", "\""}}, {{"", "", ""}}};
-    case Part::kName:
-      return {{{"", "", ""}}, {{"\"", "", "\""}}, {{"", "", ""}}};
-    case Part::kVector:
-      return {{{"Vector(", ", ", ")"}}, {{"[", ",", "]"}}, {{"", " ", ""}}};
-    case Part::kColor:
-      return {{{"Color(", ", ", ")"}}, {{"[", ",", "]"}}, {{"", " ", ""}}};
-    case Part::kVectorList:
-      return {{{"ListVector(", ", ", ")"}}, {{"[", ",", "]"}}, {{"", " ", ""}}};
-    case Part::kIntList:
-      return {{{"ListInt(", ", ", ")"}}, {{"[", ",", "]"}}, {{"", " ", ""}}};
-    case Part::kHexVectorList:
-      return {{{"ListVectorHex(\"", "", "\")"}}, {{"\"", "", "\""}}, {{"", "", ""}}};
-    case Part::kHexIntList:
-      return {{{"ListIntHex(\"", "", "\")"}}, {{"\"", "", "\""}}, {{"", "", ""}}};
-    case Part::kNumber:
-      return {{{"", "", ""}}, {{"", "", ""}}, {{"<number>", "", "</number>"}}};
-    case Part::kString:
-      return {{{"\"", "", "\""}}, {{R"(["text",")", "", "\"]"}}, {{"<text>", "", "</text>"}}};
-    case Part::kReference:
-      return {{{"", "", ""}}, {{"\"", "", "\""}}, {{"<ref>", "", "</ref>"}}};
-    case Part::kMember:
-      return {{{"", "", ".%"}},
-              {{R"([".","%",)", "", "]"}},
-              {{R"(<member name="%">)", "", "</member>"}}};
-    case Part::kIndex:
-      return {{{"", "[", "]"}}, {{R"(["[]",)", ",", "]"}}, {{"<index>", "", "</index>"}}};
-    case Part::kNegation:
-      return {{{"-", "", ""}}, {{R"(["-",)", "", "]"}}, {{"<negate>", "", "</negate>"}}};
-    case Part::kGroup:
-      return {{{"(", "", ")"}}, {{"", "", ""}}, {{"", "", ""}}};
-    case Part::kAddition:
-      return {{{"", " + ", ""}}, {{R"(["+",)", ",", "]"}}, {{"<add>", "", "</add>"}}};
-    case Part::kSubtraction:
-      return {{{"", " - ", ""}}, {{R"(["-",)", ",", "]"}}, {{"<subtract>", "", "</subtract>"}}};
-    case Part::kMultiplication:
-      return {{{"", " * ", ""}}, {{R"(["*",)", ",", "]"}}, {{"<multiply>", "", "</multiply>"}}};
-    case Part::kDivision:
-      return {{{"", " / ", ""}}, {{R"(["/",)", ",", "]"}}, {{"<divide>", "", "</divide>"}}};
-    case Part::kCall:
-      return {{{"%(", ", ", ")"}}, {{R"(["%",)", ",", "]"}}, {{"<%>", "", "</%>"}}};
-    case Part::kList:
-      return {{{"List(", ", ", ")"}}, {{R"(["List",)", ",", "]"}}, {{"<list>", "", "</list>"}}};
-    case Part::kInterpolation:
-      return {{{"interpolate(", ", ", ")"}},
-              {{R"(["interpolate",)", ",", "]"}},
-              {{"<interpolate>", "", "</interpolate>"}}};
-    case Part::kPair:
-      return {{{"(", ", ", ")"}}, {{"[", ",", "]"}}, {{"<pair>", "", "</pair>"}}};
-    case Part::kVectorValue:
-      return {
-          {{"Vector(", ", ", ")"}}, {{R"(["Vector",)", ",", "]"}}, {{"<vector>", "", "</vector>"}}};
-  }
-  return {};
-}
+constexpr Forms kForms[] = {
+    {Part::kProgram, {"", "", ""}, {"[\n", ",\n", "\n]\n"}, {"<scene>\n", "", "</scene>\n"}},
+    {Part::kObject,
+     {"% & {\n", "", "}\n"},
+     {R"({"type":"%","name":"&")", "", "}"},
+     {R"(<% name="&")", ">", "</%>\n"}},
+    {Part::kProperty, {"\t% = ", "", ";\n"}, {R"(,"%":)", "", ""}, {R"( %=")", "", "\""}},
+    {Part::kLongProperty, {"\t% = ", "", ";\n"}, {R"(,"%":)", "", ""}, {"<%>", "", "</%>"}},
+    {Part::kText, {"\"", "", "\""}, {"\"", "", "\""}, {"", "", ""}},
+    {Part::kName, {"", "", ""}, {"\"", "", "\""}, {"", "", ""}},
+    {Part::kVector, {"Vector(", ", ", ")"}, {"[", ",", "]"}, {"", " ", ""}},
+    {Part::kColor, {"Color(", ", ", ")"}, {"[", ",", "]"}, {"", " ", ""}},
+    {Part::kVectorList, {"ListVector(", ", ", ")"}, {"[", ",", "]"}, {"", " ", ""}},
+    {Part::kIntList, {"ListInt(", ", ", ")"}, {"[", ",", "]"}, {"", " ", ""}},
+    {Part::kHexVectorList, {"ListVectorHex(\"", "", "\")"}, {"\"", "", "\""}, {"", "", ""}},
+    {Part::kHexIntList, {"ListIntHex(\"", "", "\")"}, {"\"", "", "\""}, {"", "", ""}},
+    {Part::kNumber, {"", "", ""}, {"", "", ""}, {"<number>", "", "</number>"}},
+    {Part::kString, {"\"", "", "\""}, {R"(["text",")", "", "\"]"}, {"<text>", "", "</text>"}},
+    {Part::kReference, {"", "", ""}, {"\"", "", "\""}, {"<ref>", "", "</ref>"}},
+    {Part::kMember,
+     {"", "", ".%"},
+     {R"([".","%",)", "", "]"},
+     {R"(<member name="%">)", "", "</member>"}},
+    {Part::kIndex, {"", "[", "]"}, {R"(["[]",)", ",", "]"}, {"<index>", "", "</index>"}},
+    {Part::kNegation, {"-", "", ""}, {R"(["-",)", "", "]"}, {"<negate>", "", "</negate>"}},
+    {Part::kGroup, {"(", "", ")"}, {"", "", ""}, {"", "", ""}},
+    {Part::kAddition, {"", " + ", ""}, {R"(["+",)", ",", "]"}, {"<add>", "", "</add>"}},
+    {Part::kSubtraction,
+     {"", " - ", ""},
+     {R"(["-",)", ",", "]"},
+     {"<subtract>", "", "</subtract>"}},
+    {Part::kMultiplication,
+     {"", " * ", ""},
+     {R"(["*",)", ",", "]"},
+     {"<multiply>", "", "</multiply>"}},
+    {Part::kDivision, {"", " / ", ""}, {R"(["/",)", ",", "]"}, {"<divide>", "", "</divide>"}},
+    {Part::kCall, {"%(", ", ", ")"}, {R"(["%",)", ",", "]"}, {"<%>", "", "</%>"}},
+    {Part::kList, {"List(", ", ", ")"}, {R"(["List",)", ",", "]"}, {"<list>", "", "</list>"}},
+    {Part::kInterpolation,
+     {"interpolate(", ", ", ")"},
+     {R"(["interpolate",)", ",", "]"},
+     {"<interpolate>", "", "</interpolate>"}},
+    {Part::kPair, {"(", ", ", ")"}, {"[", ",", "]"}, {"<pair>", "", "</pair>"}},
+    {Part::kVectorValue,
+     {"Vector(", ", ", ")"},
+     {R"(["Vector",)", ",", "]"},
+     {"<vector>", "", "</vector>"}},
+};
 
-constexpr int kParts = static_cast<int>(Part::kVectorValue) + 1;
+constexpr bool isInOrder() {
+  for (size_t i = 0; i < std::size(kForms); ++i) {
+    if (kForms[i].part != static_cast<Part>(i)) return false;
+  }
+  return std::size(kForms) == static_cast<size_t>(Part::kVectorValue) + 1;
+}
+static_assert(isInOrder());
 
 const Form& formOf(Part part, Syntax syntax) {
-  static const std::array<Forms, kParts> all = [] {
-    std::array<Forms, kParts> forms{};
-    for (size_t i = 0; i < forms.size(); ++i) forms[i] = formsOf(static_cast<Part>(i));
-    return forms;
-  }();
-  const Forms& forms = all[static_cast<size_t>(part)];
-  switch (syntax) {
-    case Syntax::kScene:
-      return forms.scene;
-    case Syntax::kJson:
-      return forms.json;
-    default:
-      return forms.xml;
-  }
+  const Forms& forms = kForms[static_cast<size_t>(part)];
+  if (syntax == Syntax::kScene) return forms.scene;
+  return syntax == Syntax::kJson ? forms.json : forms.xml;
 }
 
 bool isList(Part part) { return part == Part::kVectorList || part == Part::kIntList; }
@@ -122,8 +101,8 @@ bool isValue(Part part) {
 
 }  // namespace
 
-void ContentWriter::_add(const Open& open, int which) {
-  for (const char* c = formOf(open.part, syntax).pieces[static_cast<size_t>(which)]; *c != 0; ++c) {
+void ContentWriter::_add(const char* piece, const Open& open) {
+  for (const char* c = piece; *c != 0; ++c) {
     if (*c == '%') {
       text += open.name;
     } else if (*c == '&') {
@@ -134,16 +113,19 @@ void ContentWriter::_add(const Open& open, int which) {
   }
 }
 
+void ContentWriter::next() { _add(formOf(stack.back().part, syntax).between, stack.back()); }
+
 void ContentWriter::begin(Part part, std::string_view name, std::string_view secondName) {
   stack.push_back({part, std::string(name), std::string(secondName)});
   if (isValue(part)) ++values;
   if (isList(part)) ++openLists;
-  _add(stack.back(), 0);
+  _add(formOf(part, syntax).first, stack.back());
 }
 
 void ContentWriter::end() {
-  _add(stack.back(), 2);
-  if (isList(stack.back().part)) --openLists;
+  const Part part = stack.back().part;
+  _add(formOf(part, syntax).last, stack.back());
+  if (isList(part)) --openLists;
   stack.pop_back();
 }
 

@@ -58,7 +58,7 @@ class ContentWriter {
   explicit ContentWriter(Syntax contentSyntax) : syntax(contentSyntax) {}
 
   void begin(Part part, std::string_view name = {}, std::string_view secondName = {});
-  void next() { _add(stack.back(), 1); }
+  void next();
   void end();
 
   void number(const Decimal& decimal);
@@ -82,7 +82,7 @@ class ContentWriter {
     std::string secondName;
   };
 
-  void _add(const Open& open, int which);
+  void _add(const char* piece, const Open& open);
 
   Syntax syntax;
   int openLists = 0;

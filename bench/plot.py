@@ -80,7 +80,7 @@ def rounds_by_benchmark(result):
     rounds = {}
     for run in result["benchmarks"]:
         if run["run_type"] == "iteration":
-            key = (run["name"].split("/")[0], run["megabytes"])
+            key = (run["name"].split("/")[0], run["sceneBytes"] / 1e6)
             rounds.setdefault(key, []).append(run)
     return rounds
 
@@ -156,12 +156,12 @@ def slope(points):
 def curves_of(benchmarks, content):
     """{reader: [(megabytes, seconds), ...]} with the megabytes of scene text."""
     curves = {}
-    for (name, _), rounds in benchmarks.items():
+    for (name, megabytes), rounds in benchmarks.items():
         if name != content:
             continue
         for reader in readers_of(rounds):
             seconds = statistics.median(r[f"{reader}.first"] for r in rounds)
-            curves.setdefault(reader, []).append((rounds[0]["Kelp.bytes"] / 1e6, seconds))
+            curves.setdefault(reader, []).append((megabytes, seconds))
     return curves
 
 

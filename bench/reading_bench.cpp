@@ -57,10 +57,7 @@ class Contest {
   Contest(Content contestContent, double contestMegabytes)
       : content(contestContent), megabytes(contestMegabytes) {
     for (const ReaderKind& kind : readerKinds()) {
-      if (!isWanted(kind)) continue;
-      kinds.push_back(&kind);
-      if (texts.find(kind.syntax) != texts.end()) continue;
-      texts[kind.syntax] = generate(content, kind.syntax, static_cast<size_t>(megabytes * 1e6));
+      if (isWanted(kind)) kinds.push_back(&kind);
     }
   }
 
@@ -73,8 +70,15 @@ class Contest {
   const double megabytes;
 
  private:
-  void _run(benchmark::State& state, const ReaderKind& kind) const {
-    const GeneratedText& text = texts.at(kind.syntax);
+  const GeneratedText& _text(Syntax syntax) {
+    const auto known = texts.find(syntax);
+    if (known != texts.end()) return known->second;
+    if (megabytes >= kLargeMegabytes) texts.clear();
+    return texts[syntax] = generate(content, syntax, static_cast<size_t>(megabytes * 1e6));
+  }
+
+  void _run(benchmark::State& state, const ReaderKind& kind) {
+    const GeneratedText& text = _text(kind.syntax);
     if (!_fits(kind, text)) return;
     Worker worker(kind, text.text);
     const Sample first = worker.run();
@@ -87,7 +91,7 @@ class Contest {
     put("peak", static_cast<double>(first.peakBytes));
     put("allocations", static_cast<double>(first.allocations));
     put("bytes", static_cast<double>(text.text.size()));
-    state.counters["megabytes"] = megabytes;
+    state.counters["sceneBytes"] = static_cast<double>(text.sceneBytes);
     state.counters["values"] = static_cast<double>(text.values);
     state.counters["objects"] = static_cast<double>(text.objects);
     state.counters["listBytes"] = static_cast<double>(text.listBytes);
@@ -106,6 +110,8 @@ class Contest {
   }
 
   static constexpr double kMostOfMemory = 0.8;
+  // From here on the text of one syntax at a time is kept, to leave the memory to the trees.
+  static constexpr double kLargeMegabytes = 200;
   // Peak of a reader with a content for each MB, from the last time.
   static inline std::map<std::pair<Content, const ReaderKind*>, double> peaks;
 

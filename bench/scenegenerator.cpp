@@ -346,9 +346,10 @@ GeneratedText generate(Content content, Syntax syntax, size_t sceneBytes) {
   scene.out.begin(Part::kProgram);
   wanted.out.begin(Part::kProgram);
   GeneratedText generated;
-  for (size_t written = 0; written < sceneBytes; ++generated.objects) {
+  for (const auto most = static_cast<int64_t>(sceneBytes); generated.sceneBytes < most;
+       ++generated.objects) {
     scene.addObject(generated.objects);
-    written += scene.out.text.size();
+    generated.sceneBytes += static_cast<int64_t>(scene.out.text.size());
     if (syntax == Syntax::kScene) {
       wanted.out.text += scene.out.text;
     } else {

@@ -20,8 +20,9 @@ enum class Content {
 struct GeneratedText {
   std::string text;
   int64_t objects = 0;
-  int64_t values = 0;     ///< see ContentWriter
-  int64_t listBytes = 0;  ///< see ContentWriter
+  int64_t sceneBytes = 0;  ///< of the same content as scene text
+  int64_t values = 0;      ///< see ContentWriter
+  int64_t listBytes = 0;   ///< see ContentWriter
 };
 
 /// As many objects of the content as make a scene text of at least `sceneBytes` (longer by less
