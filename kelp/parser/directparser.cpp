@@ -69,8 +69,11 @@ Node* DirectParser::_next(Read read) {
 
 void DirectParser::handBack() {
   if (lastRead.source == nullptr) return;
-  ring.scanner->resumeBehind(lastRead);
+  // As if the ring had come to the last token that was read, and then passed it: a failure to read
+  // the one behind it must find the ring where it would have stood.
+  ring.scanner->resumeAt(lastRead);
   ring.lookahead = -1;
+  ring.scanAheadToken(false);
   ring.scanAheadToken(false);
 }
 

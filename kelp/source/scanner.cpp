@@ -240,10 +240,8 @@ void Scanner::_fail(const SourcePosition& place, const std::string& message) {
   throw InvalidSourceFile(CharString(message.c_str()));
 }
 
-void Scanner::resumeBehind(const SourcePosition& last) {
-  reader->position = last;
-  ++reader->position.at;
-  starts[0] = last;
+void Scanner::resumeAt(const SourcePosition& token) {
+  reader->position = token;
   failure = false;
 }
 

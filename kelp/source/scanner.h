@@ -43,8 +43,8 @@ class Scanner {
   /// The same as a position; its source is null when there was no such token.
   const SourcePosition& startOf(int back) const { return starts[back]; }
 
-  /// Goes on behind `last`, the position of a token of one character that somebody else has read.
-  void resumeBehind(const SourcePosition& last);
+  /// Goes on with the token at that position; what is before it somebody else has read.
+  void resumeAt(const SourcePosition& token);
 
   /// True when the last scan threw InvalidSourceFile.
   bool failed() const { return failure; }
