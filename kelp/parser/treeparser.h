@@ -8,6 +8,8 @@
 
 namespace Kelp {
 
+class ObjectQueue;
+
 /// Reads scenes into programs. Settings and results are fields that it inherits from ParserState,
 /// rules those of Grammar. A parser belongs to one thread at a time.
 class TreeParser : public Grammar<TokenRing> {
@@ -34,8 +36,7 @@ class TreeParser : public Grammar<TokenRing> {
 
  private:
   void _parseObjects(ProgramAST* program);
-  int64_t _addPlainObjects(ProgramAST* program, int64_t most);
-  void _addObject(ProgramAST* program, ObjectAST* object);
+  int64_t _addPlainObjects(ObjectQueue& queue, int64_t most);
 };
 
 extern template class Grammar<TokenRing>;
