@@ -7,7 +7,7 @@ namespace KelpTest {
 
 namespace {
 
-constexpr int kDeepest = 4;
+constexpr int kDeepest = 3;
 
 // Whether two tokens that touch would be others.
 bool wouldJoin(const std::string& before, const std::string& behind) {
@@ -56,7 +56,7 @@ void SceneMaker::addProperty() {
 
 void SceneMaker::addSum(int depth) {
   addTerm(depth);
-  const uint32_t more = below(3) == 0 ? below(depth == 0 ? 12 : 4) : 0;
+  const uint32_t more = below(3) == 0 ? below(depth == 0 ? 8 : 3) : 0;
   for (uint32_t i = 0; i < more; ++i) {
     add(oneOf({"+", "-", "*", "/"}));
     addTerm(depth);
@@ -130,7 +130,7 @@ void SceneMaker::addCall(int depth) {
     case 4:
       return addArguments("Transform", 2, depth);
     case 5:
-      return addArguments("List", static_cast<int>(below(below(8) == 0 ? 30 : 4)), depth);
+      return addArguments("List", static_cast<int>(below(below(20) == 0 ? 12 : 4)), depth);
     default: {
       const Kelp::BuiltinFunction* function = nullptr;
       while (function == nullptr) {
@@ -154,7 +154,7 @@ void SceneMaker::addArguments(const char* function, int count, int depth) {
 void SceneMaker::addInterpolation(int depth) {
   add("interpolate");
   add("(");
-  for (uint32_t pairs = below(5) + 1; pairs > 0; --pairs) {
+  for (uint32_t pairs = below(3) + 1; pairs > 0; --pairs) {
     add("(");
     addSum(depth + 1);
     add(",");
@@ -170,7 +170,7 @@ void SceneMaker::addTypedList() {
   const bool tuples = form == "ListVector" || form == "ListColor";
   add(form);
   add("(");
-  const uint32_t count = below(below(6) == 0 ? 60 : 5);
+  const uint32_t count = below(below(30) == 0 ? 40 : 4);
   for (uint32_t i = 0; i < count; ++i) {
     if (i > 0) add(",");
     if (form == "ListString") {

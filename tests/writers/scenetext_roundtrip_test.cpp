@@ -5,12 +5,10 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
-#include <sstream>
 
 #include "kelp/scene.h"
 #include "kelp/writers/sceneformat.h"
 #include "kelp/writers/scenetextwriter.h"
-#include "kelp/writers/treelisting.h"
 #include "tests/support/corpus.h"
 #include "tests/support/figures.h"
 #include "tests/support/largescenes.h"
@@ -79,15 +77,6 @@ int expectGoodScenesOf(const std::string& directory) {
   return scenes;
 }
 
-std::string listingOf(const std::string& value) {
-  std::ostringstream out;
-  withSceneOnSmallStack(value, [&out](Scene& scene) {
-    ASSERT_TRUE(scene) << scene.error();
-    writeTreeListing(out, *scene.program());
-  });
-  return out.str();
-}
-
 }  // namespace
 
 TEST(SceneText, AllGoodScenesOfTheProjectComeBack) {
@@ -103,7 +92,7 @@ TEST(SceneText, AllGoodScenesOfTheProjectComeBack) {
 }
 
 TEST(SceneText, DrawnScenesComeBack) {
-  const int cases = hasTimeForAll() ? 10000 : 1500;
+  const int cases = hasTimeForAll() ? 10000 : 600;
   for (int i = 0; i < cases; ++i) {
     const std::string text = SceneMaker(static_cast<uint64_t>(i)).scene();
     const Scene scene = Scene::fromText(text, "drawn.scene");
@@ -127,18 +116,16 @@ TEST(SceneText, NamesWithAnAffixAreWrittenAsTheyAre) {
 TEST(SceneText, NeitherLengthNorDepthNeedsStack) {
   for (const LargeValue& value : largeValues()) {
     SCOPED_TRACE(value.name);
-    const std::string before = "A a {\n  x = ";
-    const std::string behind = ";\n}\n";
     std::string text;
-    withSceneOnSmallStack(value.text, [&](Scene& scene) {
+    withSceneOnSmallStack(value.text, [&text](Scene& scene) {
       ASSERT_TRUE(scene) << scene.error();
       text = written(*scene.program());
     });
-    ASSERT_GT(text.size(), static_cast<size_t>(kDeepNesting));
-    // Too long to be shown.
-    EXPECT_TRUE(formatText(text) == text);
-    const size_t length = text.size() - before.size() - behind.size();
-    const std::string listing = listingOf(text.substr(before.size(), length));
-    EXPECT_TRUE(listing == listingOf(value.text)) << listing.size();
+    EXPECT_GT(text.size(), static_cast<size_t>(kDeepNesting));
+    // All brackets of these values are needed but the innermost ones behind a minus.
+    std::string tokens = value.text;
+    const size_t unneeded = tokens.find("-(1)");
+    if (unneeded != std::string::npos) tokens.replace(unneeded, 4, "-1");
+    EXPECT_TRUE(formatText("A a { x = " + tokens + "; }") == text);  // too long to be shown
   }
 }
