@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "kelp/source/characterclass.h"
-#include "kelp/writers/lexemes.h"
+#include "kelp/writers/lexemereader.h"
 
 namespace Kelp {
 
@@ -199,7 +199,7 @@ Gap Layout::gapBefore(const Lexeme& token) const {
     }
     if (previousIsSign) return Gap::kNone;
     if (isBinaryOperator(token) || previous.is(',')) return Gap::kWrap;
-    if (previousEndsValue) return Gap::kSpace;
+    if (previousEndsValue || token.is('=')) return Gap::kSpace;
     if (isOneOf(previous, "([")) return Gap::kOpening;
     return isOneOf(previous, ".:") ? Gap::kNone : Gap::kSpace;
   }();

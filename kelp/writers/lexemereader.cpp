@@ -1,4 +1,4 @@
-#include "kelp/writers/lexemes.h"
+#include "kelp/writers/lexemereader.h"
 
 #include <algorithm>
 
