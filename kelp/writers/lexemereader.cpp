@@ -15,34 +15,32 @@ bool isBlank(char c) { return classOf(c) == CharacterClass::kBlank; }
 
 }  // namespace
 
-Lexeme LexemeReader::next() {
+void LexemeReader::next(Lexeme& lexeme) {
   const int newlines = skipBlanks();
   const char first = at(position);
-  Lexeme lexeme;
+  lexeme.newlinesBefore = newlines;
   if (position == text.size()) {
-    // The end.
+    take(lexeme, Lexeme::kEnd, position);
   } else if (first == '\0') {
     fail("NUL byte");
   } else if (classOf(first) == CharacterClass::kIdentifier) {
     size_t end = position + 1;
     while (isInIdentifier(at(end))) ++end;
-    lexeme = take(Lexeme::kWord, end);
+    take(lexeme, Lexeme::kWord, end);
   } else if (isDigit(first) || (first == '.' && isDigit(at(position + 1)))) {
-    lexeme = take(Lexeme::kNumber, numberEnd());
+    take(lexeme, Lexeme::kNumber, numberEnd());
   } else if (first == '"') {
-    lexeme = takeString();
+    takeString(lexeme);
   } else if (first == '/' && at(position + 1) == '/') {
-    lexeme = takeLineComment();
+    takeLineComment(lexeme);
   } else if (first == '/' && at(position + 1) == '*') {
-    lexeme = takeBlockComment();
-  } else if (isInclude()) {
-    lexeme = takeInclude();
+    takeBlockComment(lexeme);
+  } else if (first == '#' && isInclude()) {
+    takeInclude(lexeme);
   } else {
-    lexeme = take(Lexeme::kPunctuation, position + 1);
+    take(lexeme, Lexeme::kPunctuation, position + 1);
   }
-  lexeme.newlinesBefore = newlines;
   checkBehindInclude(lexeme);
-  return lexeme;
 }
 
 int LexemeReader::skipBlanks() {
@@ -58,12 +56,14 @@ int LexemeReader::skipBlanks() {
   }
 }
 
-Lexeme LexemeReader::take(Lexeme::Kind kind, size_t end) {
-  const Lexeme lexeme{kind, text.substr(position, end - position), 0};
-  const size_t newline = lexeme.text.rfind('\n');
-  if (newline != std::string_view::npos) lineStart = position + newline + 1;
+void LexemeReader::take(Lexeme& lexeme, Lexeme::Kind kind, size_t end) {
+  lexeme.kind = kind;
+  lexeme.text = text.substr(position, end - position);
+  if (kind == Lexeme::kString || kind == Lexeme::kBlockComment) {
+    const size_t newline = lexeme.text.rfind('\n');
+    if (newline != std::string_view::npos) lineStart = position + newline + 1;
+  }
   position = end;
-  return lexeme;
 }
 
 // Only as the first thing on a line.
@@ -74,7 +74,7 @@ bool LexemeReader::isInclude() const {
   return std::all_of(before.begin(), before.end(), isBlank);
 }
 
-Lexeme LexemeReader::takeInclude() {
+void LexemeReader::takeInclude(Lexeme& lexeme) {
   size_t quote = position + kIncludeWord.size();
   while (isBlank(at(quote))) ++quote;
   const size_t end = at(quote) == '"' ? text.find_first_of("\"\n", quote + 1) : quote;
@@ -82,7 +82,7 @@ Lexeme LexemeReader::takeInclude() {
     fail("#include needs the name of a file in double quotes");
   }
   includeAt = position;
-  return take(Lexeme::kInclude, end + 1);
+  take(lexeme, Lexeme::kInclude, end + 1);
 }
 
 void LexemeReader::checkBehindInclude(const Lexeme& lexeme) {
@@ -98,24 +98,24 @@ void LexemeReader::checkBehindInclude(const Lexeme& lexeme) {
   }
 }
 
-Lexeme LexemeReader::takeLineComment() {
+void LexemeReader::takeLineComment(Lexeme& lexeme) {
   const size_t lineEnd = std::min(text.find('\n', position), text.size());
   if (text.substr(position, lineEnd - position).find('\0') != std::string_view::npos) {
     fail("NUL byte");
   }
   size_t end = lineEnd;
   while (isBlank(text[end - 1])) --end;
-  return take(Lexeme::kLineComment, end);
+  take(lexeme, Lexeme::kLineComment, end);
 }
 
-Lexeme LexemeReader::takeBlockComment() {
+void LexemeReader::takeBlockComment(Lexeme& lexeme) {
   const size_t end = text.find("*/", position + 2);
   if (end == std::string_view::npos) fail("The comment that begins", " never ends");
   if (text.substr(position, end - position).find('\0') != std::string_view::npos) fail("NUL byte");
-  return take(Lexeme::kBlockComment, end + 2);
+  take(lexeme, Lexeme::kBlockComment, end + 2);
 }
 
-Lexeme LexemeReader::takeString() {
+void LexemeReader::takeString(Lexeme& lexeme) {
   constexpr std::string_view kStops("\"\\\0", 3);
   size_t end = text.find_first_of(kStops, position + 1);
   while (end < text.size() && text[end] == '\\') {
@@ -124,7 +124,7 @@ Lexeme LexemeReader::takeString() {
   }
   if (end >= text.size()) fail("The string that begins", " never ends");
   if (text[end] == '\0') fail("NUL byte");
-  return take(Lexeme::kString, end + 1);
+  take(lexeme, Lexeme::kString, end + 1);
 }
 
 size_t LexemeReader::numberEnd() const {

@@ -24,8 +24,8 @@ struct Lexeme {
   int newlinesBefore = 0;  ///< since the lexeme before it
 
   bool isComment() const { return kind == kLineComment || kind == kBlockComment; }
-  /// Whether it is that character as a token by itself.
-  bool is(char c) const { return kind == kPunctuation && text[0] == c; }
+  /// The character that is a token by itself, NUL for all else.
+  char mark() const { return kind == kPunctuation ? text[0] : '\0'; }
 };
 
 /// Cuts a text at the same places as the Scanner, without following includes. The text stays the
@@ -34,18 +34,18 @@ class LexemeReader {
  public:
   explicit LexemeReader(std::string_view wholeText) : text(wholeText) {}
 
-  /// The next one, at the end kEnd. Throws InvalidSourceFile in the Scanner's words.
-  Lexeme next();
+  /// Reads the next one, at the end kEnd. Throws InvalidSourceFile in the Scanner's words.
+  void next(Lexeme& lexeme);
 
  private:
   char at(size_t index) const { return index < text.size() ? text[index] : '\0'; }
   int skipBlanks();
   bool isInclude() const;
-  Lexeme take(Lexeme::Kind kind, size_t end);
-  Lexeme takeInclude();
-  Lexeme takeLineComment();
-  Lexeme takeBlockComment();
-  Lexeme takeString();
+  void take(Lexeme& lexeme, Lexeme::Kind kind, size_t end);
+  void takeInclude(Lexeme& lexeme);
+  void takeLineComment(Lexeme& lexeme);
+  void takeBlockComment(Lexeme& lexeme);
+  void takeString(Lexeme& lexeme);
   size_t numberEnd() const;
   void checkBehindInclude(const Lexeme& lexeme);
   [[noreturn]] void fail(const std::string& before, const std::string& behind = "") const;

@@ -1,6 +1,8 @@
 #include "kelp/writers/sceneformat.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 #include <iterator>
 
 #include "kelp/source/characterclass.h"
@@ -16,9 +18,38 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kHexForms[] = {"TransformHex", "ListVectorHex", "ListIntHex",
                                           "ListFloatHex", "ListColorHex"};
 
-bool isOneOf(const Lexeme& lexeme, std::string_view characters) {
-  return lexeme.kind == Lexeme::kPunctuation &&
-         characters.find(lexeme.text[0]) != std::string_view::npos;
+enum MarkKind : uint8_t {
+  kOpens = 1,      // ( [
+  kCloses = 2,     // ) ]
+  kOperator = 4,   // + - * /
+  kSign = 8,       // + -
+  kClings = 16,    // no blank before it
+  kJoins = 32,     // nor behind it
+  kEndsList = 64,  // stands without a blank even behind a comment
+};
+
+constexpr auto kMarkKinds = [] {
+  std::array<uint8_t, 256> kinds{};
+  const auto set = [&kinds](std::string_view marks, MarkKind kind) {
+    for (const char c : marks) kinds[static_cast<uint8_t>(c)] |= kind;
+  };
+  set("([", kOpens);
+  set(")]", kCloses);
+  set("+-*/", kOperator);
+  set("+-", kSign);
+  set(",;)].:[", kClings);
+  set(".:", kJoins);
+  set(",;)]", kEndsList);
+  return kinds;
+}();
+
+bool is(const Lexeme& lexeme, MarkKind kind) {
+  return (kMarkKinds[static_cast<uint8_t>(lexeme.mark())] & kind) != 0;
+}
+
+bool isHexForm(const Lexeme& lexeme) {
+  return lexeme.kind == Lexeme::kWord && lexeme.text.ends_with("Hex") &&
+         std::find(std::begin(kHexForms), std::end(kHexForms), lexeme.text) != std::end(kHexForms);
 }
 
 // Whether the two would not be the same tokens without a blank between.
@@ -60,7 +91,7 @@ class Layout {
   Gap gapBefore(const Lexeme& token) const;
   int levelOf(const Lexeme& token) const;
   bool isBinaryOperator(const Lexeme& token) const {
-    return isOneOf(token, "+-*/") && previousEndsValue;
+    return is(token, kOperator) && previousEndsValue;
   }
 
   LineFiller filler;
@@ -123,7 +154,7 @@ void Layout::addToken(const Lexeme& token) {
 
 void Layout::beginStatement(const Lexeme& token) {
   const bool staysOnLine = isOnlyComments && token.newlinesBefore == 0;
-  if (token.is('}')) return endBlock(token);
+  if (token.mark() == '}') return endBlock(token);
   if (staysOnLine) {
     filler.addAsItIs(" ");
     isEmptyBlock = false;
@@ -143,7 +174,7 @@ void Layout::beginStatement(const Lexeme& token) {
 }
 
 void Layout::continueStatement(const Lexeme& token) {
-  if (token.is('}') && !nextIsOpaque) return endBlock(token);
+  if (token.mark() == '}' && !nextIsOpaque) return endBlock(token);
   if (mustEndLine || (isOnlyComments && token.newlinesBefore > 0)) {
     startLine(token);
     filler.add(token.text);
@@ -169,22 +200,22 @@ void Layout::endBlock(const Lexeme& token) {
 // What a token means for those that follow.
 void Layout::noteToken(const Lexeme& token) {
   const bool opaque = nextIsOpaque;
-  const bool opens = !opaque && isOneOf(token, "([");
-  nextIsOpaque = !opaque && previousIsHexForm && token.is('(');
-  previousIsHexForm =
-      !opaque && token.kind == Lexeme::kWord &&
-      std::find(std::begin(kHexForms), std::end(kHexForms), token.text) != std::end(kHexForms);
-  previousIsSign = !opaque && isOneOf(token, "+-") && !previousEndsValue;
-  previousEndsValue = opaque || token.kind != Lexeme::kPunctuation || isOneOf(token, ")]");
-  previous = token;
+  const bool opens = !opaque && is(token, kOpens);
+  nextIsOpaque = !opaque && previousIsHexForm && token.mark() == '(';
+  previousIsHexForm = !opaque && isHexForm(token);
+  previousIsSign = !opaque && is(token, kSign) && !previousEndsValue;
+  previousEndsValue = opaque || token.kind != Lexeme::kPunctuation || is(token, kCloses);
+  // Field by field: a copy of the whole would wait for what was just stored in parts of it.
+  previous.kind = token.kind;
+  previous.text = token.text;
   if (opaque) return;
   if (opens) ++brackets;
-  if (isOneOf(token, ")]") && brackets > 0) --brackets;
-  if (token.is('{') || token.is(';')) {
-    inBody = inBody || token.is('{');
+  if (is(token, kCloses) && brackets > 0) --brackets;
+  if (token.mark() == '{' || token.mark() == ';') {
+    inBody = inBody || token.mark() == '{';
     atStatement = true;
     mustEndLine = true;
-    isEmptyBlock = token.is('{');
+    isEmptyBlock = token.mark() == '{';
     mayBeEmptyLine = !isEmptyBlock;
     brackets = 0;
   }
@@ -193,27 +224,28 @@ void Layout::noteToken(const Lexeme& token) {
 Gap Layout::gapBefore(const Lexeme& token) const {
   const auto gap = [&] {
     if (nextIsOpaque) return Gap::kOpening;
-    if (isOneOf(token, ",;)].:[")) return Gap::kNone;
-    if (token.is('(') && (previous.kind == Lexeme::kWord || previous.kind == Lexeme::kString)) {
+    if (is(token, kClings)) return Gap::kNone;
+    if (token.mark() == '(' &&
+        (previous.kind == Lexeme::kWord || previous.kind == Lexeme::kString)) {
       return Gap::kNone;
     }
     if (previousIsSign) return Gap::kNone;
-    if (isBinaryOperator(token) || previous.is(',')) return Gap::kWrap;
-    if (previousEndsValue || token.is('=')) return Gap::kSpace;
-    if (isOneOf(previous, "([")) return Gap::kOpening;
-    return isOneOf(previous, ".:") ? Gap::kNone : Gap::kSpace;
+    if (isBinaryOperator(token) || previous.mark() == ',') return Gap::kWrap;
+    if (previousEndsValue || token.mark() == '=') return Gap::kSpace;
+    if (is(previous, kOpens)) return Gap::kOpening;
+    return is(previous, kJoins) ? Gap::kNone : Gap::kSpace;
   }();
   if (gap == Gap::kOpening && commentBehindToken) return Gap::kWrap;
   if (gap != Gap::kNone) return gap;
   const bool apart =
-      commentBehindToken ? !isOneOf(token, ",;)]") : needBlank(previous.text, token.text);
+      commentBehindToken ? !is(token, kEndsList) : needBlank(previous.text, token.text);
   return apart ? Gap::kSpace : Gap::kNone;
 }
 
 int Layout::levelOf(const Lexeme& token) const {
   const int level = brackets * LineFiller::kLevelsOfBracket;
   if (!isBinaryOperator(token)) return level;
-  return level + (isOneOf(token, "+-") ? 1 : 2);
+  return level + (is(token, kSign) ? 1 : 2);
 }
 
 }  // namespace
@@ -226,10 +258,11 @@ void formatText(std::string_view text, const TextSink& sink) {
   }
   LexemeReader reader(text);
   Layout layout(sink);
-  Lexeme lexeme = reader.next();
+  Lexeme lexeme;
+  reader.next(lexeme);
   // A name that would be taken for a mark at the very start.
   if (!marked && lexeme.text.starts_with(kByteOrderMark)) sink("\n");
-  for (; lexeme.kind != Lexeme::kEnd; lexeme = reader.next()) layout.add(lexeme);
+  for (; lexeme.kind != Lexeme::kEnd; reader.next(lexeme)) layout.add(lexeme);
   layout.finish();
 }
 
