@@ -52,15 +52,10 @@ bool isHexForm(const Lexeme& lexeme) {
          std::find(std::begin(kHexForms), std::end(kHexForms), lexeme.text) != std::end(kHexForms);
 }
 
-// Whether the two would not be the same tokens without a blank between.
-bool needBlank(std::string_view before, std::string_view behind) {
-  const char last = before.back();
-  const char first = behind.front();
-  if (isInIdentifier(last) && isInIdentifier(first)) return true;
-  if (first == '.' || first == '#') return isDigit(before[0]) || before[0] == '.';
-  if (last == '/') return first == '/' || first == '*';
-  return last == '#' || (last == '.' && isInIdentifier(first) && before.size() > 1) ||
-         (last == '.' && isDigit(first));
+// Whether the two would make a number of a point that is none without a blank between.
+bool needBlank(const Lexeme& before, const Lexeme& behind) {
+  if (behind.mark() == '.') return before.kind == Lexeme::kNumber;
+  return before.mark() == '.' && behind.kind == Lexeme::kNumber;
 }
 
 class Layout {
@@ -203,8 +198,8 @@ void Layout::noteToken(const Lexeme& token) {
   const bool opens = !opaque && is(token, kOpens);
   nextIsOpaque = !opaque && previousIsHexForm && token.mark() == '(';
   previousIsHexForm = !opaque && isHexForm(token);
-  previousIsSign = !opaque && is(token, kSign) && !previousEndsValue;
-  previousEndsValue = opaque || token.kind != Lexeme::kPunctuation || is(token, kCloses);
+  previousIsSign = is(token, kSign) && !previousEndsValue;
+  previousEndsValue = token.kind != Lexeme::kPunctuation || is(token, kCloses);
   // Field by field: a copy of the whole would wait for what was just stored in parts of it.
   previous.kind = token.kind;
   previous.text = token.text;
@@ -237,8 +232,7 @@ Gap Layout::gapBefore(const Lexeme& token) const {
   }();
   if (gap == Gap::kOpening && commentBehindToken) return Gap::kWrap;
   if (gap != Gap::kNone) return gap;
-  const bool apart =
-      commentBehindToken ? !is(token, kEndsList) : needBlank(previous.text, token.text);
+  const bool apart = commentBehindToken ? !is(token, kEndsList) : needBlank(previous, token);
   return apart ? Gap::kSpace : Gap::kNone;
 }
 

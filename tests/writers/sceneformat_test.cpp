@@ -245,8 +245,8 @@ TEST(FormatText, TextWithoutTokensIsRefusedInTheScannersWords) {
 
 TEST(FormatText, GrammarIsNoBusinessOfTheLayout) {
   for (const char* text :
-       {"}", "} } ;", "A a { x = ; }", "( [ {", ") ]", ", , . . 5 .5 . 5", "/ /", "* / / *",
-        "a # b", "- - + + 1 2 3", "= = =", "A a { x = 1", "5 a 5. b"}) {
+       {"}", "} } ;", "5 . a", "A a { x = ; }", "( [ {", ") ]", ", , . . 5 .5 . 5", "/ /",
+        "* / / *", "a # b", "- - + + 1 2 3", "= = =", "A a { x = 1", "5 a 5. b"}) {
     const std::string formatted = formatText(text);
     EXPECT_EQ(KelpTest::tokensOf(formatted), KelpTest::tokensOf(text)) << formatted;
     EXPECT_EQ(formatText(formatted), formatted);
