@@ -89,7 +89,8 @@ LineFiller::Room LineFiller::roomFor(size_t piece, bool noMoreComes, size_t& uni
   for (unitEnd = piece; unitEnd < held.size(); ++unitEnd) {
     const Piece& next = held[unitEnd];
     if (unitEnd > piece && mayEndLine(next.gap) && next.level <= level) break;
-    width += (unitEnd > piece ? widthOf(next.gap) : 0) + next.width;
+    if (unitEnd > piece) width += widthOf(next.gap);
+    width += next.width;
     tooWide = column + widthOf(gap) + width > kColumns;
     if (tooWide && (gap == Gap::kWrap || column > kLateColumn)) return Room::kNo;
     // A bracket that opens something longer than a line ends none.

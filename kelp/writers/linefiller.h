@@ -61,7 +61,7 @@ class LineFiller {
   enum class Room { kYes, kNo, kUnknown };
 
   void decide(bool noMoreComes);
-  Room roomFor(size_t first, bool noMoreComes, size_t& unitEnd) const;
+  Room roomFor(size_t piece, bool noMoreComes, size_t& unitEnd) const;
   void emitFirst(bool atNewLine);
   void dropEmitted();
   void put(std::string_view text);

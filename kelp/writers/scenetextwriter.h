@@ -10,6 +10,8 @@
 
 namespace Kelp {
 
+class ValueWriter;
+
 /// The tree holds what no scene text can say. What was written until then is of no use.
 class NotWritableException : public Exception {
  public:
@@ -63,8 +65,7 @@ class SceneTextWriter {
   int64_t approximatedNumbers() const;
 
  private:
-  class Impl;
-  std::unique_ptr<Impl> impl;
+  std::unique_ptr<ValueWriter> values;
 };
 
 }  // namespace Kelp
