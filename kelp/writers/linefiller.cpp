@@ -114,7 +114,8 @@ void LineFiller::emitFirst(bool atNewLine) {
   } else {
     putGap(piece.gap);
   }
-  put(std::string_view(heldText).substr(firstCharacter, piece.width));
+  const std::string_view characters = heldText;
+  put(characters.substr(firstCharacter, piece.width));
   firstCharacter += piece.width;
   ++first;
 }
