@@ -12,4 +12,7 @@ ExitCode runCheck(const Options& options);
 /// Writes the tree of one file. Throws WriteFailure.
 ExitCode runDump(const Options& options);
 
+/// Lays the text of files out. Throws WriteFailure, but for files that are rewritten.
+ExitCode runFormat(const Options& options);
+
 }  // namespace KelpCli

@@ -18,9 +18,10 @@ struct Input {
   bool good() const { return error.kind == Kelp::SceneError::Kind::kNone; }
 };
 
-/// Reads a file, or standard input when it is "-". Throws nothing but what a second failure of
-/// memory brings.
-Input readScene(const std::string& file, const Kelp::SceneOptions& options);
+/// Reads a file, or standard input when it is "-". `text` (may be null) receives its bytes. Throws
+/// nothing but what a second failure of memory brings.
+Input readScene(const std::string& file, const Kelp::SceneOptions& options,
+                std::string* text = nullptr);
 
 /// How a file is called in messages.
 std::string shownName(const std::string& file);

@@ -27,6 +27,8 @@ ExitCode run(int argc, const char* const* argv) {
       return runCheck(options);
     case Command::kDump:
       return runDump(options);
+    case Command::kFormat:
+      return runFormat(options);
     case Command::kShowText:
       break;
   }

@@ -15,6 +15,10 @@ constexpr const char* kExitCodes =
     "Exit codes: 0 all scenes are good, 1 a scene is not, 2 a file cannot be read or written or\n"
     "the usage is wrong.";
 
+constexpr const char* kFormatExitCodes =
+    "Exit codes: 0 all scenes are good, 1 a scene is not or, with --check, would change, 2 a file\n"
+    "cannot be read or written or the usage is wrong.";
+
 double parseFrame(std::string_view text) {
   double frame = 0.0;
   const char* end = text.data() + text.size();
@@ -71,11 +75,21 @@ void addLimits(CLI::App& command, Kelp::SceneOptions& scene) {
                    "Refuse included files outside the scene's folder and those of -I");
 }
 
-void addSceneOptions(CLI::App& command, Options& options) {
-  Kelp::SceneOptions& scene = options.scene;
-  command.add_option("-I,--include", scene.includePaths, "Look up included files there, too")
+// What every command needs to read scenes.
+void addReadingOptions(CLI::App& command, Options& options) {
+  command
+      .add_option("-I,--include", options.scene.includePaths, "Look up included files there, too")
       ->type_name("DIR")
       ->allow_extra_args(false);
+  addLimits(command, options.scene);
+  addChoice<Colour>(
+      command, "--color", "Colours in messages",
+      {{"auto", Colour::kAuto}, {"always", Colour::kAlways}, {"never", Colour::kNever}},
+      options.colour);
+}
+
+void addSceneOptions(CLI::App& command, Options& options) {
+  Kelp::SceneOptions& scene = options.scene;
   CLI::Option* affix = command.add_option_function<std::string>(
       "--affix", [&scene](const std::string& text) { scene.nameAffix = text; },
       "Put TEXT before the names of all objects");
@@ -93,11 +107,7 @@ void addSceneOptions(CLI::App& command, Options& options) {
           "--frames", [&scene](const std::string& text) { setFrames(scene, text); },
           "Frames that the text describes")
       ->type_name("FIRST:LAST");
-  addLimits(command, scene);
-  addChoice<Colour>(
-      command, "--color", "Colours in messages",
-      {{"auto", Colour::kAuto}, {"always", Colour::kAlways}, {"never", Colour::kNever}},
-      options.colour);
+  addReadingOptions(command, options);
   command.footer(kExitCodes);
 }
 
@@ -125,6 +135,39 @@ CLI::App* addDump(CLI::App& app, Options& options, bool needsFile) {
   return dump;
 }
 
+CLI::App* addFormat(CLI::App& app, Options& options, bool needsFile) {
+  CLI::App* format = app.add_subcommand("format", "Lay the text of scenes out, comments and all");
+  format->add_option("FILE", options.files, "Scenes; - is standard input")
+      ->required(needsFile)
+      ->type_name("");
+  CLI::Option* check =
+      format->add_flag("--check", options.checkOnly, "Only name the files that would change");
+  CLI::Option* rewrite =
+      format->add_flag("-w,--write", options.rewrite, "Write to the files that change themselves");
+  CLI::Option* output =
+      format->add_option("-o,--output", options.output, "Write to FILE, when all is well");
+  output->type_name("FILE");
+  rewrite->excludes(check);
+  output->excludes(check)->excludes(rewrite);
+  addReadingOptions(*format, options);
+  format->footer(kFormatExitCodes);
+  return format;
+}
+
+// What the library of options cannot know.
+void checkFiles(const Options& options) {
+  if (options.command == Command::kDump && options.files.size() != 1) {
+    throw UsageError{"dump takes one FILE only"};
+  }
+  if (options.command != Command::kFormat) return;
+  if (!options.output.empty() && options.files.size() != 1) {
+    throw UsageError{"format takes one FILE only with --output"};
+  }
+  const bool standardInput =
+      std::find(options.files.begin(), options.files.end(), "-") != options.files.end();
+  if (options.rewrite && standardInput) throw UsageError{"standard input cannot be rewritten"};
+}
+
 }  // namespace
 
 Options parseOptions(int argc, const char* const* argv) {
@@ -139,10 +182,12 @@ Options parseOptions(int argc, const char* const* argv) {
   app.require_subcommand(1);
   const CLI::App* check = addCheck(app, options, filesBehind.empty());
   addDump(app, options, filesBehind.empty());
+  const CLI::App* format = addFormat(app, options, filesBehind.empty());
   try {
     app.parse(static_cast<int>(mark - argv), argv);
     options.files.insert(options.files.end(), filesBehind.begin(), filesBehind.end());
     options.command = check->parsed() ? Command::kCheck : Command::kDump;
+    if (format->parsed()) options.command = Command::kFormat;
   } catch (const CLI::CallForHelp&) {
     options.text = app.help();  // of the command, if one was named
   } catch (const CLI::CallForVersion&) {
@@ -150,9 +195,7 @@ Options parseOptions(int argc, const char* const* argv) {
   } catch (const CLI::ParseError& error) {
     throw UsageError{error.what()};
   }
-  if (options.command == Command::kDump && options.files.size() != 1) {
-    throw UsageError{"dump takes one FILE only"};
-  }
+  checkFiles(options);
   return options;
 }
 

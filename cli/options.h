@@ -8,7 +8,7 @@
 
 namespace KelpCli {
 
-enum class Command { kCheck, kDump, kShowText };
+enum class Command { kCheck, kDump, kFormat, kShowText };
 enum class Format { kTree, kJson };
 enum class Colour { kAuto, kAlways, kNever };
 
@@ -24,7 +24,10 @@ struct Options {
   bool json = false;   ///< check
 
   Format format = Format::kTree;  ///< dump
-  std::string output;             ///< dump; empty: standard output
+  std::string output;             ///< dump, format; empty: standard output
+
+  bool checkOnly = false;  ///< format: name the files that would change
+  bool rewrite = false;    ///< format: write to the files themselves
 };
 
 /// The command line makes no sense.

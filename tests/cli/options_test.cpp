@@ -23,6 +23,13 @@ TEST_F(Usage, WhatMakesNoSenseIsToldWithCodeTwo) {
       {"dump a.scene a.scene", "dump takes one FILE only"},
       {"dump a.scene -- a.scene", "dump takes one FILE only"},
       {"check --", "FILE is required"},
+      {"format", "FILE is required"},
+      {"format -o b a.scene a.scene", "format takes one FILE only with --output"},
+      {"format -w a.scene -", "standard input cannot be rewritten"},
+      {"format -w --check a.scene", "--check excludes --write"},
+      {"format -w -o b a.scene", "--write excludes --output"},
+      {"format --check -o b a.scene", "--check excludes --output"},
+      {"format --affix b a.scene", "The following argument was not expected: --affix"},
       {"check --none a.scene", "The following argument was not expected: --none"},
       {"check --format json a.scene", "The following argument was not expected: --format"},
       {"dump --stats a.scene", "The following argument was not expected: --stats"},
@@ -60,6 +67,9 @@ TEST_F(Usage, HelpNamesEveryCommandAndOption) {
       {"dump --help",
        {"Usage: kelp dump", "FILE", "--format tree|json", "-o,--output", "-I", "--affix",
         "--suffix", "--frames", "--color", "Exit codes"}},
+      {"format --help",
+       {"Usage: kelp format", "FILE", "--check", "-w,--write", "-o,--output", "-I", "--color",
+        "Exit codes"}},
   };
   for (const auto& row : rows) {
     const Outcome outcome = kelp(row.arguments);
