@@ -118,9 +118,9 @@ TEST(Roads, GiveTheSameForEveryScene) {
 // Longer than any block that is looked at as one, so that what is behind stands at every place of
 // one.
 TEST(Roads, GiveTheSameForLongLists) {
-  for (int number = 1; number < 70; ++number) {
+  for (size_t number = 1; number < 70; ++number) {
     std::string list = "A a { x = ListInt(";
-    for (int i = 0; i < number; ++i) list += (i > 0 ? "," : "") + std::string(i % 20, '7') + "1";
+    for (size_t i = 0; i < number; ++i) list += (i > 0 ? "," : "") + std::string(i % 20, '7') + "1";
     for (const char* end :
          {"); }", ",); }", ", nan); }", " 1); }", ", -nan, x); }", ", 1.#INF); }"}) {
       ASSERT_NO_FATAL_FAILURE(expectSameOnBothRoads(list + end, kSettings[0]));
