@@ -32,10 +32,13 @@ class TreeParser : public Grammar<TokenRing> {
   /// Records a failure at the place where the reader stands.
   void setError(const CharString& text);
 
+  /// Adds an object that this parser has read; the program owns it, or it is released. Throws as
+  /// ProgramAST::addObject does.
+  void _addObject(ProgramAST* program, ObjectAST* object);
+
  private:
   void _parseObjects(ProgramAST* program);
   int64_t _addPlainObjects(ProgramAST* program, int64_t most);
-  void _addObject(ProgramAST* program, ObjectAST* object);
 };
 
 extern template class Grammar<TokenRing>;
