@@ -45,16 +45,17 @@ void TextWindow::slide(const char* keepFrom) {
 }
 
 void TextWindow::fill() {
-  while (!ended && size < capacity) {
-    size_t got = 0;
-    try {
-      got = read(buffer.get() + size, capacity - size);
-    } catch (...) {
-      pad(buffer.get() + size);
-      throw;
+  if (failure != nullptr) std::rethrow_exception(failure);
+  const size_t before = size;
+  try {
+    while (!ended && size < capacity) {
+      const size_t got = read(buffer.get() + size, capacity - size);
+      size += got;
+      ended = got == 0;
     }
-    size += got;
-    ended = got == 0;
+  } catch (...) {
+    if (size == before) throw;
+    failure = std::current_exception();
   }
   pad(buffer.get() + size);
 }

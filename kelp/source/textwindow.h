@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <exception>
 #include <memory>
 
 #include "kelp/source/textinput.h"
@@ -19,8 +20,8 @@ class TextWindow {
   /// to the window's beginning. Throws std::bad_alloc, and then nothing has changed.
   void slide(const char* keepFrom);
 
-  /// Reads on until the window is full or the text has ended. Throws what the input throws; the
-  /// window holds what was read before that.
+  /// Reads on until the window is full or the text has ended. Throws what the input throws, once
+  /// nothing can be read any more: what came before a failure is there first.
   void fill();
 
   /// The text in memory. Zero bytes follow it.
@@ -36,6 +37,7 @@ class TextWindow {
   size_t capacity;  // bytes in the buffer before the padding
   size_t size = 0;
   bool ended = false;
+  std::exception_ptr failure;  // of the input, kept back
 };
 
 }  // namespace Kelp
