@@ -279,7 +279,6 @@ void SourcesReader::dropFiles(const Source* inUse, const Source* alsoInUse) {
   const auto isUsed = [&](const LoadedSource& file) {
     const Source* source = &file.source;
     return source == inUse || source == alsoInUse || source == position.source ||
-           source == sceneSource ||
            std::any_of(includers.begin(), includers.end(),
                        [source](const SourcePosition& place) { return place.source == source; });
   };

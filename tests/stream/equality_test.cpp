@@ -123,6 +123,11 @@ TEST(StreamEquality, WhatMayEndAtACutIsReadTheSame) {
       "A a { x = 1; } } B b { }",
       "A a { } B b { } " + "\0"s + " C c { }",
       "A a { } B b { } // " + "\0"s + "\n C c { }",
+      "A a { x = nan; s = \"a string } with \\\" in it\"; /* and a\ncomment */ y = 1; } B b { x = "
+      "nan; }",
+      "A a { x = List(nan, \"text\", /* } */ -nan, b.c, 1e+5); h = ListIntHex(\"00ff\"); y = 1; }",
+      "A a { x = nan; s = \"never closed; }\nB b { }",
+      "A a { x = nan; /* never closed; }\nB b { }",
       "A a { x = random(1, 2); } B b { x = randomInt(3, 4); y = ListInt(1, 2,); }",
   };
   for (const std::string& text : texts) compareText(text);
@@ -145,7 +150,8 @@ TEST(StreamEquality, OptionsReachTheStream) {
 
 TEST(StreamEquality, SeedsAreDrawnTheSameWhereverTheTextIsCut) {
   std::string text;
-  for (int i = 0; i < 40; ++i) text += "A a" + std::to_string(i) + " { x = random(0, 1); }\n";
+  for (int i = 0; i < 20; ++i)
+    text += "A a { x = random(0, 1); y = nan; }\nA b { x = random(0, 1); }\n";
   const auto seedsOf = [&text](size_t window) {
     std::vector<float> seeds;
     BuiltinFunctionAST::rndGen.reset();

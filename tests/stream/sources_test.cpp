@@ -4,9 +4,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <stdexcept>
 #include <thread>
 
+#include "tests/support/allocations.h"
 #include "tests/support/streamed.h"
 #include "tests/support/temporaryfiles.h"
 
@@ -109,7 +111,10 @@ TEST(StreamSources, ErrorOfReadingEndsTheSceneBehindTheObjectsBeforeIt) {
   const struct {
     const char* text;
     size_t objects;
-  } rows[] = {{"", 0}, {"A a {", 0}, {"A a { } B b { } C c { ", 2}, {"A a { } // behind", 0},
+  } rows[] = {{"", 0},
+              {"A a {", 0},
+              {"A a { } B b { } C c { ", 2},
+              {"A a { } // behind", 0},
               {"A a { } B b { x = 1; } C c { x = 1; } D d { x = 1; } E", 3}};
   for (const auto& row : rows) {
     for (const size_t window : {1, 10, 1000}) {
@@ -177,12 +182,30 @@ TEST(StreamLimits, BytesOfIncludedFilesCountOnce) {
 
 TEST(StreamLimits, LargeIncludedFilesAreForgottenAndReadAgain) {
   const TemporaryFiles files;
-  const std::string blanks(9 << 20, ' ');
-  for (const char* name : {"1", "2"}) {
-    files.write(std::string(name) + ".inc", "B b" + std::string(name) + " { }" + blanks + "\n");
+  const std::string comment = "//" + std::string(17 << 20, '-') + "\n";
+  const std::string large = files.write("0.inc", "B b { }\n" + comment);
+  std::string text;
+  for (int i = 1; i <= 8; ++i) {
+    const std::string name = std::to_string(i) + ".inc";
+    std::filesystem::create_hard_link(large, files.path(name));
+    text += "#include \"" + name + "\"\nA a { }\n#include \"0.inc\"\n";
   }
-  const std::string path = files.write(
-      "main.scene",
-      "#include \"1.inc\"\n#include \"2.inc\"\nA a { }\n#include \"1.inc\"\nA b { }\n");
-  EXPECT_EQ(streamed(SceneSource::file(path), withWindow(10)), wholeFile(path));
+  std::vector<int64_t> blocks;
+  const StreamResult result = forEachObject(SceneSource::file(files.write("main.scene", text)),
+                                            [&blocks](const ObjectAST&) {
+                                              blocks.push_back(liveAllocations());
+                                              return ObjectFate::kDrop;
+                                            });
+  EXPECT_TRUE(result);
+  ASSERT_EQ(blocks.size(), 24U);
+  EXPECT_LT(blocks.back() - blocks[2], 10);
+}
+
+TEST(StreamLimits, LargeIncludedFileStaysWhileItsLastTokenIsNeeded) {
+  const TemporaryFiles files;
+  files.write("large.inc", "B b { }\n//" + std::string(17 << 20, '-') + "\n 5");
+  const std::string path = files.write("main.scene", "A a { }\n#include \"large.inc\"\nC c { }\n");
+  const ObjectsAndError outcome = streamed(SceneSource::file(path), withWindow(10));
+  EXPECT_EQ(outcome, wholeFile(path));
+  EXPECT_NE(outcome.error.find("large.inc:3:2\n 5\n ^"), std::string::npos) << outcome.error;
 }

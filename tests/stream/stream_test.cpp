@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "tests/support/balance.h"
@@ -110,6 +111,14 @@ TEST(Stream, KeptObjectsOwnTheirLongTexts) {
     EXPECT_EQ(textOf(*kept.find("c")), longString('c'));
     EXPECT_EQ(textOf(*kept.find("w")), "");
   }
+}
+
+TEST(Stream, KeptObjectsKeepNoTextsButTheirLongOnes) {
+  const StreamResult result = forEachObject(
+      SceneSource::text(R"(T a { s = "\""; t = ListString("\\"); } T b { s = "\"\""; } T c { })"),
+      keepAll);
+  EXPECT_EQ(result.kept.objects().size(), 3U);
+  EXPECT_EQ(result.kept.reader().keptTextCount(), 0U);
 }
 
 TEST(Stream, LongTextsAreGoodWhileTheObjectIsShown) {
