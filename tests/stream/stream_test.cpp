@@ -9,6 +9,7 @@
 #include "tests/support/balance.h"
 #include "tests/support/filters.h"
 #include "tests/support/hiddenfields.h"
+#include "tests/support/largescenes.h"
 #include "tests/support/richscenes.h"
 #include "tests/support/sexpression.h"
 #include "tests/support/streamed.h"
@@ -230,17 +231,24 @@ TEST(Stream, WhatWasKeptBeforeAnErrorStays) {
 }
 
 TEST(Stream, OfALongLineTheErrorHoldsThePartAroundTheToken) {
-  std::string before;
-  while (before.size() < 100000) before += "A a { } ";
-  const StreamResult result =
-      forEachObject(SceneSource::text(before + "B { x = 5 watts; }" + std::string(100000, ' ')),
-                    dropAll, withWindow(1));
-  const SceneError& error = result.error;
-  EXPECT_EQ(error.column, static_cast<int>(before.size()) + 11);
-  EXPECT_GT(error.lineColumn, 1);
-  EXPECT_EQ(error.sourceLine.substr(static_cast<size_t>(error.column - error.lineColumn), 5),
-            "watts");
-  EXPECT_LT(error.sourceLine.size(), 300000U);
+  const auto startsCharacter = [](char c) {
+    return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U;
+  };
+  // Names of several lengths, so that the line is cut at every byte of a character.
+  for (int length = 1; length <= 9; ++length) {
+    const std::string unit = "A " + repeated("\xE2\x82\xAC", length) + " { } ";
+    const StreamResult result = forEachObject(
+        SceneSource::text(repeated(unit, 20000) + "B { x = 5 watts; }" + std::string(100000, ' ')),
+        dropAll, withWindow(1));
+    const SceneError& error = result.error;
+    EXPECT_EQ(error.column, 20000 * (length + 7) + 11);
+    EXPECT_GT(error.lineColumn, 1);
+    EXPECT_LT(error.sourceLine.size(), 500000U);
+    EXPECT_TRUE(startsCharacter(error.sourceLine[0]));
+    const std::string before = error.sourceLine.substr(0, error.sourceLine.find("watts"));
+    EXPECT_EQ(std::count_if(before.begin(), before.end(), startsCharacter),
+              error.column - error.lineColumn);
+  }
 }
 
 TEST(Stream, DroppedObjectsAndTheirTextsAreGone) {
