@@ -22,7 +22,7 @@ ObjectAST* ObjectStream::next() {
         ++objects;
         return object;
       }
-      if (!direct.has_value() && !isUnscanned && parser._at(TOKEN_END)) return nullptr;
+      if (!direct.has_value() && scansDue == 0 && parser._at(TOKEN_END)) return nullptr;
     } catch (const TextGoesOn&) {
       _goBack();
       _readOn();
@@ -37,7 +37,7 @@ ObjectAST* ObjectStream::_nextPlain() {
   if (object != nullptr) return object;
   const bool textGoesOn = direct->textGoesOn();
   isPlain = textGoesOn;
-  isUnscanned = direct->handBackUnscanned();
+  scansDue = direct->handBackUnscanned();
   direct.reset();
   reader.dropTexts(texts, reader.keptTextCount());
   if (textGoesOn) _readOn();
@@ -48,9 +48,9 @@ ObjectAST* ObjectStream::_nextPlain() {
 ObjectAST* ObjectStream::_nextByTokens() {
   scanner.dropFiles();
   _mark();
-  if (isUnscanned) {
-    parser.scanAheadToken(false);
-    isUnscanned = false;
+  if (scansDue > 0) {
+    for (int i = 0; i < scansDue; ++i) parser.scanAheadToken(false);
+    scansDue = 0;
     _mark();
   }
   if (parser._at(TOKEN_END)) return nullptr;
@@ -88,7 +88,7 @@ void ObjectStream::_mark() {
   current = parser.current;
   lookahead = parser.lookahead;
   seeds = BuiltinFunctionAST::rndGen;
-  for (int i = 0; i < 2 && !isUnscanned; ++i) {
+  for (int i = 0; i < 2 && scansDue == 0; ++i) {
     const Token& token = parser.tokens[i];
     tokens[i].type = token.type;
     tokens[i].overflowCount = token.overflowCount;
@@ -103,7 +103,7 @@ void ObjectStream::_goBack() {
   BuiltinFunctionAST::rndGen = seeds;
   reader.dropTexts(texts, reader.keptTextCount());
   // No rule asks for the record of a string that stands where an object begins.
-  for (int i = 0; i < 2 && !isUnscanned; ++i) {
+  for (int i = 0; i < 2 && scansDue == 0; ++i) {
     Token& token = parser.tokens[i];
     token.reset();
     token.type = tokens[i].type;

@@ -60,7 +60,7 @@ class ObjectStream {
   const int64_t mostObjects;
 
   int64_t objects = 0;
-  bool isUnscanned = true;             // the parser's tokens are still to be scanned
+  int scansDue = 1;                    // of the parser's tokens
   bool isPlain = true;                 // what follows may be plain text
   std::optional<DirectParser> direct;  // while it reads
 
