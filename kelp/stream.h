@@ -63,8 +63,8 @@ enum class ObjectFate {
 using ObjectCallback = std::function<ObjectFate(const ObjectAST& object)>;
 
 struct StreamOptions : SceneOptions {
-  /// How much of the text is in memory at a time. Where an object is longer, there will be up to
-  /// twice as much as it needs.
+  /// How much of the text is in memory at a time. Where objects are longer it grows: up to 64 times
+  /// that to read several of them at once, beyond that to at most twice what the longest needs.
   size_t windowBytes = size_t{1} << 18U;
 };
 

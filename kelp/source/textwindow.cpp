@@ -13,6 +13,7 @@ namespace Kelp {
 namespace {
 
 constexpr size_t kSmallest = 4;  // room for a byte order mark
+constexpr size_t kGenerosity = 64;
 
 std::unique_ptr<char[]> makeBuffer(size_t capacity) {
   if (capacity > SIZE_MAX / 4) throw std::bad_alloc();
@@ -26,13 +27,14 @@ void pad(char* end) { std::memset(end, 0, FileBytes::kPadding); }
 TextWindow::TextWindow(TextInput::Read input, size_t bytes)
     : read(std::move(input)),
       buffer(makeBuffer(std::max(bytes, kSmallest))),
-      capacity(std::max(bytes, kSmallest)) {
+      capacity(std::max(bytes, kSmallest)),
+      generousUpTo(capacity * kGenerosity) {
   pad(buffer.get());
 }
 
 void TextWindow::slide(const char* keepFrom) {
   const auto kept = static_cast<size_t>(end() - keepFrom);
-  if (kept > capacity / 2) {
+  if (kept > capacity / (capacity < generousUpTo ? 8 : 2)) {
     auto larger = makeBuffer(capacity * 2);
     std::memcpy(larger.get(), keepFrom, kept);
     buffer = std::move(larger);

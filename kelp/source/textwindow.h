@@ -10,7 +10,8 @@
 namespace Kelp {
 
 /// Slides over a text from its beginning to its end. It grows when it must keep more than half of
-/// what it has room for, so that every byte is moved a limited number of times.
+/// what it has room for, so that every byte is moved a limited number of times. What is kept will
+/// be read again: up to 64 times its first size it grows already when that is more than an eighth.
 class TextWindow {
  public:
   /// Nothing is read yet; the window will hold `bytes` bytes, or more where it has to.
@@ -34,7 +35,8 @@ class TextWindow {
  private:
   TextInput::Read read;
   std::unique_ptr<char[]> buffer;
-  size_t capacity;  // bytes in the buffer before the padding
+  size_t capacity;      // bytes in the buffer before the padding
+  size_t generousUpTo;  // grows early below that
   size_t size = 0;
   bool ended = false;
   std::exception_ptr failure;  // of the input, kept back
