@@ -2,7 +2,6 @@
 
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <memory>
 
 #include "kelp/source/descriptor.h"
@@ -20,8 +19,8 @@ TextInput TextInput::fromFile(const std::string& path) {
     input.device = status.st_dev;
     input.inode = status.st_ino;
   }
-  input.read = [file, read = fromDescriptor(file->number, path).read](char* buffer, size_t size) {
-    return read(buffer, size);
+  input.read = [file, read = fromDescriptor(file->number, path).read](char* buffer, size_t most) {
+    return read(buffer, most);
   };
   return input;
 }
@@ -29,8 +28,8 @@ TextInput TextInput::fromFile(const std::string& path) {
 TextInput TextInput::fromText(std::string_view text) {
   TextInput input;
   input.size = static_cast<int64_t>(text.size());
-  input.read = [text](char* buffer, size_t size) mutable {
-    const size_t number = text.copy(buffer, size);
+  input.read = [text](char* buffer, size_t most) mutable {
+    const size_t number = text.copy(buffer, most);
     text.remove_prefix(number);
     return number;
   };
@@ -39,9 +38,9 @@ TextInput TextInput::fromText(std::string_view text) {
 
 TextInput TextInput::fromDescriptor(int descriptor, const std::string& name) {
   TextInput input;
-  input.read = [descriptor, name](char* buffer, size_t size) {
+  input.read = [descriptor, name](char* buffer, size_t most) {
     return static_cast<size_t>(
-        uninterrupted(name, [&] { return ::read(descriptor, buffer, size); }));
+        uninterrupted(name, [&] { return ::read(descriptor, buffer, most); }));
   };
   return input;
 }

@@ -73,7 +73,7 @@ class StreamMemory : public testing::Test {
 TEST_F(StreamMemory, EveryRequestThatFailsLeavesNothing) {
   Points points;
   for (const NamedScene& scene : allScenes()) {
-    for (const size_t window : {16, 100000}) {
+    for (const size_t window : std::initializer_list<size_t>{16, 100000}) {
       points += failEveryRequest(streamOf(scene, window), {4});
     }
   }

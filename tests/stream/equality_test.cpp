@@ -166,7 +166,8 @@ TEST(StreamEquality, SeedsAreDrawnTheSameWhereverTheTextIsCut) {
   };
   const std::vector<float> expected = seedsOf(text.size() + 100);
   ASSERT_EQ(expected.size(), 40U);
-  for (const size_t window : {1, 10, 100, 137, 500}) EXPECT_EQ(seedsOf(window), expected);
+  for (const size_t window : std::initializer_list<size_t>{1, 10, 100, 137, 500})
+    EXPECT_EQ(seedsOf(window), expected);
 }
 
 // ---- long ones ---------------------------------------------------------------------------------

@@ -53,7 +53,7 @@ SceneSource failingBehind(const std::string& text) {
 TEST(StreamSources, PiecesOfAnySizeGiveTheSame) {
   const std::string text = manyObjects();
   const ObjectsAndError expected = wholeText(text, "scene");
-  for (const size_t piece : {1, 2, 3, 7, 100}) {
+  for (const size_t piece : std::initializer_list<size_t>{1, 2, 3, 7, 100}) {
     EXPECT_EQ(streamed(inPieces(text, piece), withWindow(64)), expected);
   }
 }
@@ -117,7 +117,7 @@ TEST(StreamSources, ErrorOfReadingEndsTheSceneBehindTheObjectsBeforeIt) {
               {"A a { } // behind", 0},
               {"A a { } B b { x = 1; } C c { x = 1; } D d { x = 1; } E", 3}};
   for (const auto& row : rows) {
-    for (const size_t window : {1, 10, 1000}) {
+    for (const size_t window : std::initializer_list<size_t>{1, 10, 1000}) {
       const ObjectsAndError outcome = streamed(failingBehind(row.text), withWindow(window));
       EXPECT_EQ(outcome.error, unreadable) << row.text << window;
       EXPECT_EQ(outcome.objects.size(), row.objects) << row.text << window;

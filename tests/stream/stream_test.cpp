@@ -69,7 +69,7 @@ TEST(Stream, ObjectsComeInTextOrderAndEqualOnesApart) {
 }
 
 TEST(Stream, WhatIsKeptIsAScene) {
-  for (const size_t window : {1, 20, 1000}) {
+  for (const size_t window : std::initializer_list<size_t>{1, 20, 1000}) {
     const StreamResult result =
         forEachObject(SceneSource::text(kFive), keepType("A"), withWindow(window));
     EXPECT_EQ(namesOf(result.kept), "ace");
@@ -83,7 +83,7 @@ TEST(Stream, WhoKeepsAllHasTheWholeScene) {
   for (const std::string& text : richScenes()) {
     BuiltinFunctionAST::rndGen.reset();
     const Scene whole = Scene::fromText(text, "scene");
-    for (const size_t window : {1, 50, 100000}) {
+    for (const size_t window : std::initializer_list<size_t>{1, 50, 100000}) {
       BuiltinFunctionAST::rndGen.reset();
       const StreamResult result =
           forEachObject(SceneSource::text(text, "scene"), keepAll, withWindow(window));
@@ -102,7 +102,7 @@ TEST(Stream, KeptObjectsOwnTheirLongTexts) {
                            "T h { s = ListIntHex(\"00ff\"); }\n#include \"one.inc\"\n" +
                            "T w { s = ListIntHex(word); }\n";
   const std::string path = files.write("main.scene", text);
-  for (const size_t window : {1, 3000, 100000}) {
+  for (const size_t window : std::initializer_list<size_t>{1, 3000, 100000}) {
     StreamResult result = forEachObject(SceneSource::file(path), keepType("T"), withWindow(window));
     ASSERT_EQ(namesOf(result.kept), "abhcw");
     const Scene kept = std::move(result.kept);
@@ -216,7 +216,7 @@ TEST(Stream, CallbackMayReadOtherScenes) {
 // ---- errors ------------------------------------------------------------------------------------
 
 TEST(Stream, WhatWasKeptBeforeAnErrorStays) {
-  for (const size_t window : {1, 1000}) {
+  for (const size_t window : std::initializer_list<size_t>{1, 1000}) {
     const StreamResult result = forEachObject(
         SceneSource::text("A a { } B b { } A c { }\nA d { x = 5 watts; } A e { }", "scene"),
         keepType("A"), withWindow(window));
