@@ -34,7 +34,10 @@ void expect(bool success, const char* message) {
 
 class KelpReader : public TreeReader {
  public:
-  void prepare(const std::string& sceneText) override { text = &sceneText; }
+  void prepare(const std::string& sceneText) override {
+    text = sceneText;
+    text.append(Kelp::SourcesReader::kPadding, '\0');
+  }
 
   void parse() override {
     reading = std::make_unique<Reading>();
@@ -54,12 +57,12 @@ class KelpReader : public TreeReader {
     Kelp::TreeParser parser{&scanner};
   };
 
-  // The reader takes a copy, and that is part of the time.
   void _open() {
-    reading->reader.openText(text->data(), static_cast<int64_t>(text->size()), "generated.scene");
+    const size_t length = text.size() - Kelp::SourcesReader::kPadding;
+    reading->reader.borrowText(text.data(), static_cast<int64_t>(length), "generated.scene");
   }
 
-  const std::string* text = nullptr;
+  std::string text;
   std::unique_ptr<Reading> reading;
   Kelp::ProgramAST* program = nullptr;
 };

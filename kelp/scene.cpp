@@ -164,6 +164,13 @@ Scene Scene::fromText(std::string_view text, const SceneOptions& options) {
   return fromText(text, "<text>", options);
 }
 
+Scene Scene::fromBorrowedText(std::string_view text, const std::string& name,
+                              const SceneOptions& options) {
+  return _read(options, name, [&](SourcesReader& reader) {
+    reader.borrowText(text.data(), static_cast<int64_t>(text.size()), name.c_str());
+  });
+}
+
 Scene::Scene(std::unique_ptr<Parts> sceneParts) : parts(std::move(sceneParts)) {}
 Scene::Scene() noexcept = default;
 Scene::Scene(Scene&& other) noexcept = default;

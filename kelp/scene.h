@@ -82,6 +82,11 @@ class Scene {
                         const SceneOptions& options = {});
   static Scene fromText(std::string_view text, const SceneOptions& options = {});
 
+  /// As fromText, without a copy: the text stays the caller's, unchanged, as long as the scene
+  /// lives, and SourcesReader::kPadding zero bytes follow it.
+  static Scene fromBorrowedText(std::string_view text, const std::string& name,
+                                const SceneOptions& options = {});
+
   /// No scene yet: false, without an error and without objects.
   Scene() noexcept;
   Scene(Scene&& other) noexcept;

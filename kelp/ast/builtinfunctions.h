@@ -2,10 +2,12 @@
 // and the generator behind the seeds of the random ones.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 #include "kelp/ast/ast.h"
+#include "kelp/ast/noderooms.h"
 
 namespace Kelp {
 
@@ -36,6 +38,11 @@ struct RandomGenerator {
 /// A call of a builtin function.
 class BuiltinFunctionAST final : public ExpressionAST {
  public:
+  static NodeRooms<BuiltinFunctionAST>& pool;
+  static void* operator new(size_t bytes);
+  static void* operator new(size_t, void* place) noexcept { return place; }
+  static void operator delete(void* node) noexcept;
+
   static constexpr int kMaxArgs = 4;
   static constexpr int kRandom = 2;
   static constexpr int kRandomInt = 12;

@@ -4,12 +4,14 @@
 // interface.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
 #include "kelp/ast/ast.h"
 #include "kelp/ast/builtinfunctions.h"
 #include "kelp/ast/mathvalues.h"
+#include "kelp/ast/noderooms.h"
 #include "kelp/utils/charstring.h"
 #include "kelp/utils/ptrarray.h"
 
@@ -171,6 +173,11 @@ class ObjectReferenceAST : public ExpressionAST {
 /// object.property
 class PropertyReferenceAST final : public ExpressionAST {
  public:
+  static NodeRooms<PropertyReferenceAST>& pool;
+  static void* operator new(size_t bytes);
+  static void* operator new(size_t, void* place) noexcept { return place; }
+  static void operator delete(void* node) noexcept;
+
   void deleteThis() override;
   void visit(Visitor& visitor) override;
   ExpressionAST* getIth(int i) override;
@@ -183,6 +190,11 @@ class PropertyReferenceAST final : public ExpressionAST {
 /// object::value
 class RuntimeValueAST final : public ExpressionAST {
  public:
+  static NodeRooms<RuntimeValueAST>& pool;
+  static void* operator new(size_t bytes);
+  static void* operator new(size_t, void* place) noexcept { return place; }
+  static void operator delete(void* node) noexcept;
+
   void deleteThis() override;
   void visit(Visitor& visitor) override;
   ExpressionAST* getIth(int i) override;
@@ -194,6 +206,11 @@ class RuntimeValueAST final : public ExpressionAST {
 /// object.property[i].x: a property reference and its indices, in text order.
 class ArrayExpressionAST final : public ExpressionAST {
  public:
+  static NodeRooms<ArrayExpressionAST>& pool;
+  static void* operator new(size_t bytes);
+  static void* operator new(size_t, void* place) noexcept { return place; }
+  static void operator delete(void* node) noexcept;
+
   void deleteThis() override;
   void visit(Visitor& visitor) override;
   ExpressionAST* getIth(int i) override;
@@ -220,6 +237,11 @@ class NegatedExpressionAST : public ExpressionAST {
 /// left op right. A sum of n terms is a chain of n - 1 nodes through `left`; walk it in a loop.
 class BinaryExpressionAST final : public ExpressionAST {
  public:
+  static NodeRooms<BinaryExpressionAST>& pool;
+  static void* operator new(size_t bytes);
+  static void* operator new(size_t, void* place) noexcept { return place; }
+  static void operator delete(void* node) noexcept;
+
   /// The values of `op`, which are the codes of the operators' tokens.
   enum Operator : int32_t { kPlus = 13, kMinus = 14, kMultiply = 15, kDivide = 16 };
 
@@ -235,7 +257,12 @@ class BinaryExpressionAST final : public ExpressionAST {
   int32_t op = 0;  ///< an Operator
 };
 
-struct ListCell {
+struct ListCell final {
+  static NodeRooms<ListCell>& pool;
+  static void* operator new(size_t bytes);
+  static void* operator new(size_t, void* place) noexcept { return place; }
+  static void operator delete(void* node) noexcept;
+
   ExpressionAST* expr = nullptr;
   ListCell* next = nullptr;
 };
@@ -243,6 +270,11 @@ struct ListCell {
 /// List(a, b, ...) of any expressions.
 class ListExpressionAST final : public ExpressionAST {
  public:
+  static NodeRooms<ListExpressionAST>& pool;
+  static void* operator new(size_t bytes);
+  static void* operator new(size_t, void* place) noexcept { return place; }
+  static void operator delete(void* node) noexcept;
+
   void deleteThis() override;
   void visit(Visitor& visitor) override;
   /// The i-th element, null when there is none. Takes time in proportion to i.

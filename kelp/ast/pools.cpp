@@ -22,17 +22,17 @@ namespace Kelp {
 
 namespace {
 
-template <class T>
+template <class P>
 union NeverDestroyed {
   constexpr NeverDestroyed() : none(0) {}
   // NOLINTNEXTLINE(modernize-use-equals-default): the pool must not be destroyed
   ~NeverDestroyed() {}  // unreachable: the storage outlives every static object
   char none;
-  Pool<T> pool;
+  P pool;
 };
 
-template <class T>
-constinit NeverDestroyed<T> storage;
+template <class P>
+constinit NeverDestroyed<P> storage;
 
 // The first priority that is open to programs.
 constexpr int kEarliest = 101;
@@ -58,16 +58,20 @@ bool isInProgram() {
   return inProgram;
 }
 
-template <class... Nodes>
+template <class... All>
 struct Pools {
-  static void start() { (new (&storage<Nodes>.pool) Pool<Nodes>, ...); }
-  static void freeUnused() noexcept { (storage<Nodes>.pool.freeUnused(), ...); }
+  static void start() { (new (&storage<All>.pool) All, ...); }
+  static void freeUnused() noexcept { (storage<All>.pool.freeUnused(), ...); }
 };
 
-using AllPools = Pools<NumberExpressionAST, StringExpressionAST, VectorExpressionAST,
-                       AColorExpressionAST, MatrixExpressionAST, TransformExpressionAST,
-                       TransformHexExpressionAST, ObjectReferenceAST, NegatedExpressionAST,
-                       InterpolateExpressionAST, KeyList, ObjectAST, PropertyAST>;
+using AllPools =
+    Pools<Pool<NumberExpressionAST>, Pool<StringExpressionAST>, Pool<VectorExpressionAST>,
+          Pool<AColorExpressionAST>, Pool<MatrixExpressionAST>, Pool<TransformExpressionAST>,
+          Pool<TransformHexExpressionAST>, Pool<ObjectReferenceAST>, Pool<NegatedExpressionAST>,
+          Pool<InterpolateExpressionAST>, Pool<KeyList>, Pool<ObjectAST>, Pool<PropertyAST>,
+          NodeRooms<ArrayExpressionAST>, NodeRooms<BinaryExpressionAST>,
+          NodeRooms<BuiltinFunctionAST>, NodeRooms<ListExpressionAST>, NodeRooms<ListCell>,
+          NodeRooms<PropertyReferenceAST>, NodeRooms<RuntimeValueAST>>;
 
 struct PoolStarter {
   PoolStarter() { AllPools::start(); }
@@ -81,23 +85,79 @@ struct PoolStarter {
 
 }  // namespace
 
-constinit Pool<NumberExpressionAST>& NumberExpressionAST::pool = storage<NumberExpressionAST>.pool;
-constinit Pool<StringExpressionAST>& StringExpressionAST::pool = storage<StringExpressionAST>.pool;
-constinit Pool<VectorExpressionAST>& VectorExpressionAST::pool = storage<VectorExpressionAST>.pool;
-constinit Pool<AColorExpressionAST>& AColorExpressionAST::pool = storage<AColorExpressionAST>.pool;
-constinit Pool<MatrixExpressionAST>& MatrixExpressionAST::pool = storage<MatrixExpressionAST>.pool;
+constinit Pool<NumberExpressionAST>& NumberExpressionAST::pool =
+    storage<Pool<NumberExpressionAST>>.pool;
+constinit Pool<StringExpressionAST>& StringExpressionAST::pool =
+    storage<Pool<StringExpressionAST>>.pool;
+constinit Pool<VectorExpressionAST>& VectorExpressionAST::pool =
+    storage<Pool<VectorExpressionAST>>.pool;
+constinit Pool<AColorExpressionAST>& AColorExpressionAST::pool =
+    storage<Pool<AColorExpressionAST>>.pool;
+constinit Pool<MatrixExpressionAST>& MatrixExpressionAST::pool =
+    storage<Pool<MatrixExpressionAST>>.pool;
 constinit Pool<TransformExpressionAST>& TransformExpressionAST::pool =
-    storage<TransformExpressionAST>.pool;
+    storage<Pool<TransformExpressionAST>>.pool;
 constinit Pool<TransformHexExpressionAST>& TransformHexExpressionAST::pool =
-    storage<TransformHexExpressionAST>.pool;
-constinit Pool<ObjectReferenceAST>& ObjectReferenceAST::pool = storage<ObjectReferenceAST>.pool;
+    storage<Pool<TransformHexExpressionAST>>.pool;
+constinit Pool<ObjectReferenceAST>& ObjectReferenceAST::pool =
+    storage<Pool<ObjectReferenceAST>>.pool;
 constinit Pool<NegatedExpressionAST>& NegatedExpressionAST::pool =
-    storage<NegatedExpressionAST>.pool;
+    storage<Pool<NegatedExpressionAST>>.pool;
 constinit Pool<InterpolateExpressionAST>& InterpolateExpressionAST::pool =
-    storage<InterpolateExpressionAST>.pool;
-constinit Pool<KeyList>& KeyList::pool = storage<KeyList>.pool;
-constinit Pool<ObjectAST>& ObjectAST::pool = storage<ObjectAST>.pool;
-constinit Pool<PropertyAST>& PropertyAST::pool = storage<PropertyAST>.pool;
+    storage<Pool<InterpolateExpressionAST>>.pool;
+constinit Pool<KeyList>& KeyList::pool = storage<Pool<KeyList>>.pool;
+constinit Pool<ObjectAST>& ObjectAST::pool = storage<Pool<ObjectAST>>.pool;
+constinit Pool<PropertyAST>& PropertyAST::pool = storage<Pool<PropertyAST>>.pool;
+
+// The classes of these nodes are final, so that all have the same size.
+
+constinit NodeRooms<ArrayExpressionAST>& ArrayExpressionAST::pool =
+    storage<NodeRooms<ArrayExpressionAST>>.pool;
+void* ArrayExpressionAST::operator new(size_t) { return pool.newElement(); }
+void ArrayExpressionAST::operator delete(void* node) noexcept {
+  pool.freeElement(static_cast<NodeRoom<ArrayExpressionAST>*>(node));
+}
+
+constinit NodeRooms<BinaryExpressionAST>& BinaryExpressionAST::pool =
+    storage<NodeRooms<BinaryExpressionAST>>.pool;
+void* BinaryExpressionAST::operator new(size_t) { return pool.newElement(); }
+void BinaryExpressionAST::operator delete(void* node) noexcept {
+  pool.freeElement(static_cast<NodeRoom<BinaryExpressionAST>*>(node));
+}
+
+constinit NodeRooms<BuiltinFunctionAST>& BuiltinFunctionAST::pool =
+    storage<NodeRooms<BuiltinFunctionAST>>.pool;
+void* BuiltinFunctionAST::operator new(size_t) { return pool.newElement(); }
+void BuiltinFunctionAST::operator delete(void* node) noexcept {
+  pool.freeElement(static_cast<NodeRoom<BuiltinFunctionAST>*>(node));
+}
+
+constinit NodeRooms<ListExpressionAST>& ListExpressionAST::pool =
+    storage<NodeRooms<ListExpressionAST>>.pool;
+void* ListExpressionAST::operator new(size_t) { return pool.newElement(); }
+void ListExpressionAST::operator delete(void* node) noexcept {
+  pool.freeElement(static_cast<NodeRoom<ListExpressionAST>*>(node));
+}
+
+constinit NodeRooms<ListCell>& ListCell::pool = storage<NodeRooms<ListCell>>.pool;
+void* ListCell::operator new(size_t) { return pool.newElement(); }
+void ListCell::operator delete(void* node) noexcept {
+  pool.freeElement(static_cast<NodeRoom<ListCell>*>(node));
+}
+
+constinit NodeRooms<PropertyReferenceAST>& PropertyReferenceAST::pool =
+    storage<NodeRooms<PropertyReferenceAST>>.pool;
+void* PropertyReferenceAST::operator new(size_t) { return pool.newElement(); }
+void PropertyReferenceAST::operator delete(void* node) noexcept {
+  pool.freeElement(static_cast<NodeRoom<PropertyReferenceAST>*>(node));
+}
+
+constinit NodeRooms<RuntimeValueAST>& RuntimeValueAST::pool =
+    storage<NodeRooms<RuntimeValueAST>>.pool;
+void* RuntimeValueAST::operator new(size_t) { return pool.newElement(); }
+void RuntimeValueAST::operator delete(void* node) noexcept {
+  pool.freeElement(static_cast<NodeRoom<RuntimeValueAST>*>(node));
+}
 
 void trimPools() noexcept {
   StringExpressionAST::pool.forEachFree([](StringExpressionAST& node) {

@@ -3,6 +3,7 @@
 #include <climits>
 
 #include "kelp/parser/longtexts.h"
+#include "kelp/program/objectqueue.h"
 
 namespace Kelp {
 
@@ -76,8 +77,9 @@ void ObjectStream::keep(ObjectAST* object, ProgramAST* program) {
   const size_t textsOfWindow = reader.keptTextCount();
   keepLongTexts(*object, reader);
   reader.dropTexts(texts, textsOfWindow);
-  guard.release();
-  parser._addObject(program, object);
+  ObjectQueue queue(*program);
+  queue.add(guard.release(), reader.readerParam1, reader.readerParam2);
+  queue.flush();
 }
 
 // ---- going back --------------------------------------------------------------------------------

@@ -9,6 +9,7 @@
 #include "kelp/parser/grammar_program.h"
 #include "kelp/parser/grammar_references.h"
 #include "kelp/parser/grammar_values.h"
+#include "kelp/program/objectqueue.h"
 #include "kelp/utils/exclusiveuse.h"
 
 namespace Kelp {
@@ -35,41 +36,31 @@ ProgramAST* TreeParser::parseProgram() {
 }
 
 void TreeParser::_parseObjects(ProgramAST* program) {
+  ObjectQueue queue(*program);
   const int64_t most = maxObjects > 0 ? maxObjects : INT64_MAX;
   for (int64_t objects = 0; !_at(TOKEN_END);) {
     if (objects >= most) _fail(Message::kTooManyObjects, std::to_string(maxObjects).c_str());
-    const int64_t plain = _addPlainObjects(program, most - objects);
+    const int64_t plain = _addPlainObjects(queue, most - objects);
     objects += plain;
     if (plain > 0) continue;
-    _addObject(program, parseObject());
+    queue.add(parseObject(), _readerParam1(), _readerParam2());
     ++objects;
   }
+  queue.flush();
 }
 
 // Reads objects as long as they are plain text; gives their number.
-int64_t TreeParser::_addPlainObjects(ProgramAST* program, int64_t most) {
+int64_t TreeParser::_addPlainObjects(ObjectQueue& queue, int64_t most) {
   if (!DirectParser::isPossible(*this)) return 0;
   DirectParser direct(*this);
   int64_t objects = 0;
   for (; objects < most; ++objects) {
     ObjectAST* object = direct.nextObject();
     if (object == nullptr) break;
-    _addObject(program, object);
+    queue.add(object, _readerParam1(), _readerParam2());
   }
   direct.handBack();
   return objects;
-}
-
-void TreeParser::_addObject(ProgramAST* program, ObjectAST* object) {
-  auto_ast<ObjectAST> guard(object);
-  const SourcesReader& reader = *scanner->reader;
-  try {
-    program->addObject(object, reader.readerParam1, reader.readerParam2, nullptr);
-  } catch (...) {
-    if (program->firstObject == object) guard.release();
-    throw;
-  }
-  guard.release();
 }
 
 void TreeParser::setError(const CharString& text) {

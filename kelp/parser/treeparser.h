@@ -8,6 +8,8 @@
 
 namespace Kelp {
 
+class ObjectQueue;
+
 /// Reads scenes into programs. Settings and results are fields that it inherits from ParserState,
 /// rules those of Grammar. A parser belongs to one thread at a time.
 class TreeParser : public Grammar<TokenRing> {
@@ -32,13 +34,9 @@ class TreeParser : public Grammar<TokenRing> {
   /// Records a failure at the place where the reader stands.
   void setError(const CharString& text);
 
-  /// Adds an object that this parser has read; the program owns it, or it is released. Throws as
-  /// ProgramAST::addObject does.
-  void _addObject(ProgramAST* program, ObjectAST* object);
-
  private:
   void _parseObjects(ProgramAST* program);
-  int64_t _addPlainObjects(ProgramAST* program, int64_t most);
+  int64_t _addPlainObjects(ObjectQueue& queue, int64_t most);
 };
 
 extern template class Grammar<TokenRing>;

@@ -174,8 +174,8 @@ class HashMap {
     return static_cast<int>(hash % static_cast<uint32_t>(buckets.count));
   }
 
-  /// Lets memory fetch the first entry of that hash's bucket.
-  void _fetchBucket(uint32_t hash) const { __builtin_prefetch(&buckets.data[_bucketOf(hash)]); }
+  /// The head of that hash's chain.
+  __internal_s* const* _bucketSlot(uint32_t hash) const { return &buckets.data[_bucketOf(hash)]; }
 
   /// The first entry of a bucket that has that key, or null.
   template <class Keys>

@@ -109,15 +109,43 @@ struct ProgramAST::TypedSearch {
   }
 };
 
-auto ProgramAST::_searchTyped(const ObjectAST& object) -> TypedSearch {
+// Writes the object's whole key into the typed map's buffer for new keys, and gives its length.
+int ProgramAST::_writeTypedKey(const ObjectAST& object) {
   const size_t size = lengthOf(object.type) + 1 + lengthOf(object.name) + 1;
   if (size > static_cast<size_t>(INT_MAX)) throw std::bad_alloc();
   typedObjects._reserveKeyBuffers(size);
   KeyWriter(typedObjects.newKeyBuffer, typedObjects.keyBufferSize).appendKeyOf(object);
-  const bool mayBeCut = size == static_cast<size_t>(typedObjects.keyBufferSize);
+  return static_cast<int>(size) - 1;
+}
+
+ProgramAST::Hashes ProgramAST::_hashesOf(const ObjectAST& object) {
+  const auto length = static_cast<size_t>(_writeTypedKey(object));
+  return {hashlittle(typedObjects.newKeyBuffer, length), ObjectMap::_hashOf(object.name.chars())};
+}
+
+void ProgramAST::_fetchBuckets(Hashes hashes) const {
+  __builtin_prefetch(typedObjects._bucketSlot(hashes.typed));
+  __builtin_prefetch(namedObjects._bucketSlot(hashes.name));
+}
+
+void ProgramAST::_fetchEntries(Hashes hashes) const {
+  __builtin_prefetch(*typedObjects._bucketSlot(hashes.typed));
+  __builtin_prefetch(*namedObjects._bucketSlot(hashes.name));
+}
+
+void ProgramAST::_fetchObjects(Hashes hashes) const {
+  if (const auto* entry = *typedObjects._bucketSlot(hashes.typed)) {
+    __builtin_prefetch(&entry->value->name);
+  }
+  if (const auto* entry = *namedObjects._bucketSlot(hashes.name)) __builtin_prefetch(entry->key);
+}
+
+auto ProgramAST::_searchTyped(const ObjectAST& object, uint32_t hash) -> TypedSearch {
+  const int length = _writeTypedKey(object);
+  const bool mayBeCut = length + 1 == typedObjects.keyBufferSize;
   TypedSearch search{{typedObjects.entryKeyBuffer, typedObjects.keyBufferSize, mayBeCut},
                      typedObjects.newKeyBuffer,
-                     hashlittle(typedObjects.newKeyBuffer, size - 1),
+                     hash,
                      0,
                      nullptr};
   search.repeat(typedObjects);
@@ -126,12 +154,14 @@ auto ProgramAST::_searchTyped(const ObjectAST& object) -> TypedSearch {
 
 void ProgramAST::addObject(ObjectAST* object, double t1, double t2,
                            Table<ObjectAST*, 100>* mergedObjects) {
+  _addHashed(object, _hashesOf(*object), t1, t2, mergedObjects);
+}
+
+void ProgramAST::_addHashed(ObjectAST* object, Hashes hashes, double t1, double t2,
+                            Table<ObjectAST*, 100>* mergedObjects) {
   _refuseDuringFilter("addObject");
   assert(!_isListed(object) && "an object is added twice");
-  const char* name = object->name.chars();
-  const uint32_t nameHash = ObjectMap::_hashOf(name);
-  namedObjects._fetchBucket(nameHash);
-  TypedSearch search = _searchTyped(*object);
+  TypedSearch search = _searchTyped(*object, hashes.typed);
   // The key alone does not decide: a tab inside a name, or an absent and an empty type, can give
   // two different objects one key.
   if (search.present != nullptr && isSameName(*search.present->value, *object)) {
@@ -148,7 +178,7 @@ void ProgramAST::addObject(ObjectAST* object, double t1, double t2,
   // An object whose name has changed may have been in another bucket than its own until now.
   if (typedObjects._adaptBucketCount(search.keys)) search.repeat(typedObjects);
   if (search.present == nullptr) typedObjects._link(search.bucket, nullptr, object);
-  namedObjects._insertAs(ObjectMap::StoredKeys(), name, nameHash, object);
+  namedObjects._insertAs(ObjectMap::StoredKeys(), object->name.chars(), hashes.name, object);
   ++numObjects;
 }
 

@@ -50,6 +50,26 @@ class ProgramAST final : public AST {
   /// As updateName, for a newName whose characters stay alive and unchanged without the program.
   void _moveName(const CharString& oldName, const CharString& newName);
 
+  // ---- for ObjectQueue ----
+
+  /// Where an object belongs in the two maps.
+  struct Hashes {
+    uint32_t typed;
+    uint32_t name;
+  };
+  /// Throws std::bad_alloc.
+  Hashes _hashesOf(const ObjectAST& object);
+
+  /// Let memory fetch what adding an object of these hashes will read, each what the one before
+  /// it has found.
+  void _fetchBuckets(Hashes hashes) const;
+  void _fetchEntries(Hashes hashes) const;
+  void _fetchObjects(Hashes hashes) const;
+
+  /// addObject, with the object's hashes in hand.
+  void _addHashed(ObjectAST* object, Hashes hashes, double t1, double t2,
+                  Table<ObjectAST*, 100>* mergedObjects);
+
   /// The first object added under that name, still the program's; null when there is none or
   /// `name` is null.
   ObjectAST* getObject(const char* name) const;
@@ -78,7 +98,8 @@ class ProgramAST final : public AST {
  private:
   struct TypedSearch;
 
-  TypedSearch _searchTyped(const ObjectAST& object);
+  int _writeTypedKey(const ObjectAST& object);
+  TypedSearch _searchTyped(const ObjectAST& object, uint32_t hash);
   void _refuseDuringFilter(const char* operation) const;
   bool _isListed(const ObjectAST* object) const;
 

@@ -28,6 +28,7 @@ FileBytes& FileBytes::operator=(FileBytes&& other) noexcept {
   device = other.device;
   inode = other.inode;
   modified = other.modified;
+  borrowed = other.borrowed;
   capacity = std::exchange(other.capacity, 0);
   mappedBytes = std::exchange(other.mappedBytes, 0);
   return *this;
@@ -63,6 +64,14 @@ FileBytes FileBytes::copy(const char* text, size_t size) {
   if (size > 0) std::memcpy(bytes.data, text, size);
   std::memset(bytes.data + size, 0, kPadding);
   bytes.size = size;
+  return bytes;
+}
+
+FileBytes FileBytes::borrow(const char* text, size_t size) noexcept {
+  FileBytes bytes;
+  bytes.data = const_cast<char*>(text);  // nobody writes to it
+  bytes.size = size;
+  bytes.borrowed = true;
   return bytes;
 }
 
@@ -122,7 +131,7 @@ void FileBytes::_map(int descriptor, size_t fileSize, const std::string& path) {
 void FileBytes::_free() noexcept {
   if (mappedBytes > 0) {
     ::munmap(data, mappedBytes);
-  } else {
+  } else if (!borrowed) {
     delete[] data;
   }
 }

@@ -10,7 +10,7 @@
 
 namespace Kelp {
 
-/// Owns `size` bytes at `data`; at least kPadding zero bytes follow them.
+/// Owns `size` bytes at `data`, unless they are borrowed; at least kPadding zero bytes follow them.
 struct FileBytes {
   static constexpr size_t kPadding = 64;
 
@@ -33,6 +33,9 @@ struct FileBytes {
   /// A copy of a text in memory. Throws std::bad_alloc.
   static FileBytes copy(const char* text, size_t size);
 
+  /// A text that stays its owner's; kPadding zero bytes follow it.
+  static FileBytes borrow(const char* text, size_t size) noexcept;
+
   char* data = nullptr;
   size_t size = 0;
   dev_t device = 0;  ///< with inode the identity of the file; both 0 for a copy, a pipe, a device
@@ -45,6 +48,7 @@ struct FileBytes {
   void _map(int descriptor, size_t fileSize, const std::string& path);
   void _free() noexcept;
 
+  bool borrowed = false;
   size_t capacity = 0;     // bytes before the padding, when read
   size_t mappedBytes = 0;  // length of the mapping; 0 when `data` is from new[]
 };

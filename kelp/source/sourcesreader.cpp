@@ -88,12 +88,22 @@ void SourcesReader::openFile(const char* path) {
 
 void SourcesReader::openText(const char* text, int64_t length, const char* name) {
   _checkBytes(length);
+  _startText(FileBytes::copy(text, static_cast<size_t>(length)), name);
+}
+
+void SourcesReader::borrowText(const char* text, int64_t length, const char* name) {
+  _checkBytes(length);
+  static_assert(kPadding == FileBytes::kPadding);
+  _startText(FileBytes::borrow(text, static_cast<size_t>(length)), name);
+}
+
+void SourcesReader::_startText(FileBytes bytes, const char* name) {
   auto loaded = std::make_unique<LoadedSource>();
-  loaded->bytes = FileBytes::copy(text, static_cast<size_t>(length));
+  loaded->bytes = std::move(bytes);
   loaded->source.name = CharString(name);
   loaded->source.directory = CharString(directoryOfFile(name).c_str());
-  _keep(std::move(loaded));
-  _start(sources.back()->source, length);
+  const LoadedSource* kept = _keep(std::move(loaded));
+  _start(kept->source, kept->size());
 }
 
 void SourcesReader::openStream(TextInput input, const char* name, size_t windowBytes) {

@@ -14,8 +14,9 @@
 
 namespace Kelp {
 
-/// The bytes of one file or text. At least 64 zero bytes follow `end`, so that a scanner may read a
-/// little past it.
+struct FileBytes;
+
+/// The bytes of one file or text. SourcesReader::kPadding zero bytes or more follow `end`.
 struct Source {
   CharString name;       ///< as it was opened; null for a text without a name
   CharString directory;  ///< directory part of the name, "." when it has none
@@ -62,6 +63,8 @@ class SourcesReader {
   static constexpr int kMaxFiles = 64;
   /// How much of a stream's line stays in memory before a place, and is looked for behind it.
   static constexpr int64_t kLineContext = 65536;
+  /// Zero bytes behind a text, so that a scanner may read a little past its end.
+  static constexpr size_t kPadding = 64;
 
   SourcesReader();
   SourcesReader(const SourcesReader&) = delete;
@@ -75,6 +78,10 @@ class SourcesReader {
   /// Starts reading a scene from a copy of `length` bytes of text. `name` (may be null) stands in
   /// messages and gives the directory that includes are looked up in. Throws as openFile does.
   void openText(const char* text, int64_t length, const char* name);
+
+  /// As openText, but the text is not copied: it stays the caller's, unchanged, as long as the
+  /// reader lives, and kPadding zero bytes follow it.
+  void borrowText(const char* text, int64_t length, const char* name);
 
   /// Starts reading a scene of which a window of `windowBytes` bytes is in memory, more where it is
   /// needed: readOn moves it. The name is as in openText. Throws as openFile does, or what the
@@ -161,6 +168,7 @@ class SourcesReader {
  private:
   struct LoadedSource;
 
+  void _startText(FileBytes bytes, const char* name);
   void _start(const Source& source, int64_t bytes);
   LoadedSource* _openInclude(const std::string& path);
   std::unique_ptr<LoadedSource> _load(const std::string& path, bool regularOnly,

@@ -63,9 +63,7 @@ CharString::CharString(const char* text) {
   std::memcpy(buffer->data, text, bytes);
 }
 
-CharString::CharString(std::string_view text) : buffer(newBuffer(text.size() + 1)) {
-  _write(text);
-}
+CharString::CharString(std::string_view text) : buffer(newBuffer(text.size() + 1)) { _write(text); }
 
 CharString::CharString(const CharString& other) noexcept : buffer(other.buffer) {
   if (buffer != nullptr) ++buffer->referenceCount;

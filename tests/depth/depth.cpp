@@ -119,7 +119,10 @@ int liveNodes() {
          AColorExpressionAST::pool.liveCount() + MatrixExpressionAST::pool.liveCount() +
          TransformExpressionAST::pool.liveCount() + NegatedExpressionAST::pool.liveCount() +
          InterpolateExpressionAST::pool.liveCount() + KeyList::pool.liveCount() +
-         ObjectAST::pool.liveCount() + PropertyAST::pool.liveCount();
+         ObjectAST::pool.liveCount() + PropertyAST::pool.liveCount() +
+         ArrayExpressionAST::pool.liveCount() + BinaryExpressionAST::pool.liveCount() +
+         BuiltinFunctionAST::pool.liveCount() + ListExpressionAST::pool.liveCount() +
+         ListCell::pool.liveCount() + PropertyReferenceAST::pool.liveCount();
 }
 
 struct Reading {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <type_traits>
 #include <vector>
 
 #include "kelp/utils/exceptions.h"
@@ -14,6 +15,8 @@ namespace KelpTest {
 template <class Node>
 class HeldElements {
  public:
+  using Element = std::remove_pointer_t<decltype(Node::pool.newElement())>;
+
   explicit HeldElements(int number) {
     nodes.reserve(static_cast<size_t>(number));
     for (int i = 0; i < number; ++i) nodes.push_back(Node::pool.newElement());
@@ -24,10 +27,10 @@ class HeldElements {
     for (auto node = nodes.rbegin(); node != nodes.rend(); ++node) Node::pool.freeElement(*node);
   }
 
-  const std::vector<Node*>& held() const { return nodes; }
+  const std::vector<Element*>& held() const { return nodes; }
 
  private:
-  std::vector<Node*> nodes;
+  std::vector<Element*> nodes;
 };
 
 /// How many elements the pools can hand out without new blocks. Their live counts alone do not say
@@ -42,7 +45,7 @@ class FreeElements {
 
   /// Finds out what others had refused. Costs a refusal itself.
   static void findRefusals() {
-    std::vector<Node*> taken;
+    std::vector<typename HeldElements<Node>::Element*> taken;
     taken.reserve(1000 * static_cast<size_t>(Node::pool.blockCount()));
     {
       const RefusedBlocks refused([] { return true; }, true);

@@ -26,17 +26,17 @@ namespace {
 
 enum class Ending { kCompleted, kBadAlloc, kExceptionMsg };
 
-template <class Node>
-void clearTexts(Node& node) {
-  if constexpr (std::is_same_v<Node, StringExpressionAST>) {
+template <class Element>
+void clearTexts(Element& node) {
+  if constexpr (std::is_base_of_v<StringExpressionAST, Element>) {
     node.directory.freeMem();
     node.text.freeMem();
-  } else if constexpr (std::is_same_v<Node, ObjectReferenceAST>) {
+  } else if constexpr (std::is_base_of_v<ObjectReferenceAST, Element>) {
     node.name.freeMem();
-  } else if constexpr (std::is_same_v<Node, ObjectAST>) {
+  } else if constexpr (std::is_base_of_v<ObjectAST, Element>) {
     node.type.freeMem();
     node.name.freeMem();
-  } else if constexpr (std::is_same_v<Node, PropertyAST>) {
+  } else if constexpr (std::is_base_of_v<PropertyAST, Element>) {
     node.name.freeMem();
     node.file.freeMem();
   }
@@ -49,7 +49,7 @@ void dropTexts(int64_t most) {
   const auto drop = [most]<class Node>(Node*) {
     const HeldElements<Node> free(
         static_cast<int>(std::min<int64_t>(FreeElements<Node>::count(), most)));
-    for (Node* node : free.held()) clearTexts(*node);
+    for (auto* node : free.held()) clearTexts(*node);
   };
   (drop(static_cast<Nodes*>(nullptr)), ...);
 }
@@ -205,10 +205,12 @@ struct Classes {
   }
 };
 
-using AllClasses = Classes<NumberExpressionAST, StringExpressionAST, VectorExpressionAST,
-                           AColorExpressionAST, MatrixExpressionAST, TransformExpressionAST,
-                           TransformHexExpressionAST, ObjectReferenceAST, NegatedExpressionAST,
-                           InterpolateExpressionAST, KeyList, ObjectAST, PropertyAST>;
+using AllClasses =
+    Classes<NumberExpressionAST, StringExpressionAST, VectorExpressionAST, AColorExpressionAST,
+            MatrixExpressionAST, TransformExpressionAST, TransformHexExpressionAST,
+            ObjectReferenceAST, NegatedExpressionAST, InterpolateExpressionAST, KeyList, ObjectAST,
+            PropertyAST, ArrayExpressionAST, BinaryExpressionAST, BuiltinFunctionAST,
+            ListExpressionAST, ListCell, PropertyReferenceAST, RuntimeValueAST>;
 
 }  // namespace
 

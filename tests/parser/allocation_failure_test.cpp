@@ -67,6 +67,7 @@ void expectSurvivesEveryFailure(const std::string& scene, Outcome good) {
 template <class Node>
 void expectSurvivesAnEmptyPool(const std::string& scene) {
   SCOPED_TRACE(scene);
+  parsedScene(scene);  // blocks of the other classes stay
   const SurplusElements<Node> surplus;
   int refused = 0;
   bool failed = true;
@@ -100,10 +101,12 @@ TEST(AllocationFailure, AnywhereInABrokenSceneLeavesNothing) {
 }
 
 TEST(AllocationFailure, WithAnAffixLeavesNothing) {
+  const std::string scene = "A a { x = b; y = c.d; z = e::f; }";
+  parsedScene(scene);  // blocks of nodes stay
   bool failed = true;
   for (int64_t n = 1; failed; ++n) {
     expectBalanced([&] {
-      TextParser source("A a { x = b; y = c.d; z = e::f; }");
+      TextParser source(scene);
       source.parser.nameAffix = "an affix that is long enough for the heap, whatever the name";
       parseWithFailure(source, n, false, &failed);
     });
@@ -125,4 +128,11 @@ TEST(AllocationFailure, OfAPoolsBlockIsTheOnlyThingThatStaysCounted) {
   expectSurvivesAnEmptyPool<TransformHexExpressionAST>("A a { x = List(1, TransformHex(\"\")); }");
   expectSurvivesAnEmptyPool<InterpolateExpressionAST>("A a { x = 1 + interpolate((a.b, 1)); }");
   expectSurvivesAnEmptyPool<KeyList>("A a { x = interpolate((a.b, 1), (2, c)); }");
+  expectSurvivesAnEmptyPool<BinaryExpressionAST>(operators);
+  expectSurvivesAnEmptyPool<ArrayExpressionAST>(operators);
+  expectSurvivesAnEmptyPool<PropertyReferenceAST>(operators);
+  expectSurvivesAnEmptyPool<ListCell>("A a { x = List(a.b, \"s\"); }");
+  expectSurvivesAnEmptyPool<ListExpressionAST>("A a { x = List(a.b, List(\"s\")); }");
+  expectSurvivesAnEmptyPool<RuntimeValueAST>("A a { x = List(a::b, a.b + c::d); }");
+  expectSurvivesAnEmptyPool<BuiltinFunctionAST>("A a { x = List(1, sin(a.b)); }");
 }

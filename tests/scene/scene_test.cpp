@@ -57,6 +57,19 @@ bool failsToRead(const std::string& text, const SceneOptions& options, int64_t n
   return failure.hasFailed();
 }
 
+TEST(Scene, BorrowedTextStaysWhereItIs) {
+  const std::string text = "A a { x = ListIntHex(\"00ff\"); y = 1; }";
+  const std::string padded = text + std::string(SourcesReader::kPadding, '\0');
+  const Scene scene =
+      Scene::fromBorrowedText(std::string_view(padded.data(), text.size()), "name.scene");
+  ASSERT_TRUE(scene);
+  EXPECT_EQ(sexpression(*scene.program()), sexpression(*Scene::fromText(text).program()));
+  const auto* list =
+      dynamic_cast<ListTypeExpressionAST<int>*>(scene.find("a")->findProperty("x")->value);
+  ASSERT_NE(list, nullptr);
+  EXPECT_EQ(list->textRef[0], reinterpret_cast<uintptr_t>(padded.data() + text.find("00ff")));
+}
+
 }  // namespace
 
 static_assert(std::forward_iterator<Scene::Objects::Iterator>);

@@ -61,6 +61,14 @@ TEST_F(ReaderLimits, TextInMemoryCountsAsAFileDoes) {
   EXPECT_EQ(KelpTest::remainingTokens(scanner), "id:a");  // the text that was open still is
 }
 
+TEST_F(ReaderLimits, BorrowedTextCountsAsWell) {
+  const std::string text = "0123456789" + std::string(SourcesReader::kPadding, '\0');
+  reader.limits.maxBytes = 10;
+  reader.borrowText(text.data(), 10, "text");
+  EXPECT_EQ(KelpTest::remainingTokens(scanner), "num:0123456789");
+  EXPECT_THROW(reader.borrowText(text.data(), 11, "text"), InvalidSourceFile);
+}
+
 TEST_F(ReaderLimits, IncludesCountEveryTime) {
   files.write("two", "bb");
   reader.limits.maxBytes = 17 + 2 + 17 + 2;

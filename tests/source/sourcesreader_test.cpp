@@ -272,6 +272,18 @@ TEST(SourcesReader, MappedFileThatGrowsKeepsItsEnd) {
   }
 }
 
+TEST(FileBytes, BorrowedOnesStayTheirOwners) {
+  const std::string text = "abc" + std::string(FileBytes::kPadding, '\0');
+  FileBytes bytes = FileBytes::copy("xy", 2);
+  bytes = FileBytes::borrow(text.data(), 3);
+  EXPECT_EQ(bytes.data, text.data());
+  FileBytes other = std::move(bytes);
+  EXPECT_EQ(other.data, text.data());
+  EXPECT_EQ(other.size, 3U);
+  other = FileBytes::copy("xy", 2);
+  EXPECT_EQ(std::string(other.data, other.size), "xy");
+}
+
 TEST(FileBytes, MoveLeavesNothingBehind) {
   const TemporaryFiles files;
   const std::string path = files.write("a", "abc");

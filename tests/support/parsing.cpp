@@ -53,7 +53,9 @@ int livePoolElements() {
   return liveElementsOf<NumberExpressionAST, StringExpressionAST, VectorExpressionAST,
                         AColorExpressionAST, MatrixExpressionAST, TransformExpressionAST,
                         TransformHexExpressionAST, ObjectReferenceAST, NegatedExpressionAST,
-                        InterpolateExpressionAST, KeyList, ObjectAST, PropertyAST>();
+                        InterpolateExpressionAST, KeyList, ObjectAST, PropertyAST,
+                        ArrayExpressionAST, BinaryExpressionAST, BuiltinFunctionAST,
+                        ListExpressionAST, ListCell, PropertyReferenceAST, RuntimeValueAST>();
 }
 
 }  // namespace KelpTest
