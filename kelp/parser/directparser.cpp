@@ -92,8 +92,8 @@ void DirectParser::handBack() {
   for (int scans = handBackUnscanned(); scans > 0; --scans) ring.scanAheadToken(false);
 }
 
-// The ring comes to the last token that was read and then passes it: a failure to read the one behind
-// it must find the ring where it would have stood.
+// The ring comes to the last token that was read and then passes it: a failure to read the one
+// behind it must find the ring where it would have stood.
 int DirectParser::handBackUnscanned() {
   if (lastRead.source == nullptr) return 0;
   ring.scanner->resumeAt(lastRead);
