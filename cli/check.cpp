@@ -5,10 +5,12 @@
 
 #include "cli/commands.h"
 #include "cli/diagnostics.h"
+#include "cli/filenames.h"
 #include "cli/input.h"
 #include "cli/jsonwriter.h"
 #include "cli/output.h"
 #include "kelp/source/sourcesreader.h"
+#include "kelp/utils/exceptions.h"
 #include "kelp/writers/statistics.h"
 
 namespace KelpCli {
@@ -22,15 +24,49 @@ struct Figures {
   double megabytesPerSecond = 0.0;
 };
 
-Figures figuresOf(const Input& input) {
+// What a scene holds and how long it took to read it; or why it cannot be read.
+struct Checked {
+  Figures figures;
+  Kelp::SceneError error;
+
+  bool good() const { return error.kind == Kelp::SceneError::Kind::kNone; }
+};
+
+void setTime(Figures& figures, int64_t bytes, double seconds) {
   constexpr double kClockTick = 1e-9;
   constexpr double kMegabyte = 1e6;
-  Figures figures;
-  figures.held = Kelp::countProgram(*input.scene->program());
-  figures.bytes = input.scene->reader().bytesRead();
-  figures.seconds = std::max(input.seconds, kClockTick);
-  figures.megabytesPerSecond = static_cast<double>(figures.bytes) / kMegabyte / figures.seconds;
-  return figures;
+  figures.bytes = bytes;
+  figures.seconds = std::max(seconds, kClockTick);
+  figures.megabytesPerSecond = static_cast<double>(bytes) / kMegabyte / figures.seconds;
+}
+
+Checked checkWhole(const std::string& file, const Options& options) {
+  Checked checked;
+  const Input input = readScene(file, options.scene);
+  checked.error = input.error;
+  if (input.good() && (options.stats || options.json)) {
+    checked.figures.held = Kelp::countProgram(*input.scene->program());
+    setTime(checked.figures, input.scene->reader().bytesRead(), input.seconds);
+  }
+  return checked;
+}
+
+Checked checkStream(const std::string& file, const Options& options) {
+  Checked checked;
+  const bool counts = options.stats || options.json;
+  const StreamedInput input = streamScene(file, options.scene, [&](const Kelp::ObjectAST& object) {
+    if (counts) Kelp::countObject(object, checked.figures.held);
+    return Kelp::ObjectFate::kDrop;
+  });
+  checked.error = input.error;
+  setTime(checked.figures, input.bytes, input.seconds);
+  return checked;
+}
+
+Checked check(const std::string& file, const Options& options) {
+  const bool streams = options.streaming == Streaming::kAlways ||
+                       (options.streaming == Streaming::kAuto && isLarge(file));
+  return streams ? checkStream(file, options) : checkWhole(file, options);
 }
 
 std::string statsLine(const std::string& name, const Figures& figures) {
@@ -68,38 +104,44 @@ void writeError(JsonWriter& json, const Kelp::SceneError& error) {
   json.endObject();
 }
 
-void writeJson(JsonWriter& json, const std::string& name, const Input& input) {
+void writeJson(JsonWriter& json, const std::string& name, const Checked& checked) {
   json.beginObject();
   json.key("file").text(name);
-  json.key("good").boolean(input.good());
-  if (input.good()) {
-    writeFigures(json, figuresOf(input));
+  json.key("good").boolean(checked.good());
+  if (checked.good()) {
+    writeFigures(json, checked.figures);
   } else {
-    writeError(json, input.error);
+    writeError(json, checked.error);
   }
   json.endObject();
   json.newLine();
+}
+
+ExitCode checkFiles(const Options& options, Output& output) {
+  JsonWriter json(output.stream());
+  ExitCode worst = kGood;
+  FileNames names(options);
+  while (const std::optional<std::string> file = names.next()) {
+    const Checked checked = check(*file, options);
+    worst = std::max(worst, exitCodeOf(checked.error));
+    if (options.json) {
+      writeJson(json, shownName(*file), checked);
+    } else if (!checked.good()) {
+      report(checked.error, options.colour);
+    } else if (options.stats) {
+      output.stream() << statsLine(shownName(*file), checked.figures);
+    }
+    // What goes to the two outputs stays in order, and results of long runs are seen early.
+    output.flush();
+  }
+  return worst;
 }
 
 }  // namespace
 
 ExitCode runCheck(const Options& options) {
   Output output;
-  JsonWriter json(output.stream());
-  ExitCode worst = kGood;
-  for (const std::string& file : options.files) {
-    const Input input = readScene(file, options.scene);
-    worst = std::max(worst, exitCodeOf(input.error));
-    if (options.json) {
-      writeJson(json, shownName(file), input);
-    } else if (!input.good()) {
-      report(input.error, options.colour);
-    } else if (options.stats) {
-      output.stream() << statsLine(shownName(file), figuresOf(input));
-    }
-    // What goes to the two outputs stays in order, and results of long runs are seen early.
-    output.flush();
-  }
+  const ExitCode worst = checkFiles(options, output);
   output.finish();
   return worst;
 }

@@ -1,6 +1,7 @@
 #include "cli/input.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -38,6 +39,18 @@ class Descriptor {
   const int number;
 };
 
+size_t readBlock(int descriptor, const std::string& file, char* buffer, size_t size) {
+  for (;;) {
+    const ssize_t got = ::read(descriptor, buffer, size);
+    if (got >= 0) return static_cast<size_t>(got);
+    if (errno != EINTR) throwUnreadable(file, errno);
+  }
+}
+
+size_t readStandardInput(char* buffer, size_t size) {
+  return readBlock(STDIN_FILENO, "-", buffer, size);
+}
+
 // Reads to the end, or until there is more than may be read.
 std::string readAll(const std::string& file, int64_t maxBytes) {
   const Descriptor input(file);
@@ -45,13 +58,9 @@ std::string readAll(const std::string& file, int64_t maxBytes) {
   size_t used = 0;
   while (maxBytes <= 0 || static_cast<int64_t>(used) <= maxBytes) {
     if (text.size() - used < kBlock) text.resize(text.size() * 2 + kBlock);
-    const ssize_t got = ::read(input.number, text.data() + used, text.size() - used);
+    const size_t got = readBlock(input.number, file, text.data() + used, text.size() - used);
     if (got == 0) break;
-    if (got > 0) {
-      used += static_cast<size_t>(got);
-    } else if (errno != EINTR) {
-      throwUnreadable(file, errno);
-    }
+    used += got;
   }
   text.resize(used);
   return text;
@@ -74,24 +83,60 @@ Kelp::SceneError noScene(const std::string& file, const char* why) {
   return error;
 }
 
+// Runs what reads a scene; gives the seconds that it takes and notes why it cannot.
+template <class Read>
+double timed(const std::string& file, Kelp::SceneError& error, Read read) {
+  const auto start = std::chrono::steady_clock::now();
+  try {
+    read();
+  } catch (const Kelp::InvalidSourceFile& failure) {
+    error = noScene(file, failure.message.chars());
+  } catch (const Kelp::ExceptionMsg& failure) {
+    error = noScene(file, failure.what());
+  } catch (const std::bad_alloc&) {
+    error = noScene(file, "Out of memory");
+  } catch (const std::length_error&) {
+    error = noScene(file, "Out of memory");
+  }
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
 }  // namespace
 
 Input readScene(const std::string& file, const Kelp::SceneOptions& options, std::string* text) {
-  const auto start = std::chrono::steady_clock::now();
   Input input;
-  try {
+  input.seconds = timed(file, input.error, [&] {
     input.scene = openScene(file, options, text);
     input.error = input.scene->error();
-  } catch (const Kelp::InvalidSourceFile& failure) {
-    input.error = noScene(file, failure.message.chars());
-  } catch (const Kelp::ExceptionMsg& failure) {
-    input.error = noScene(file, failure.what());
-  } catch (const std::bad_alloc&) {
-    input.error = noScene(file, "Out of memory");
-  } catch (const std::length_error&) {
-    input.error = noScene(file, "Out of memory");
-  }
-  input.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  });
+  return input;
+}
+
+StreamedInput streamScene(const std::string& file, const Kelp::SceneOptions& options,
+                          const Kelp::ObjectCallback& callback) {
+  StreamedInput input;
+  input.seconds = timed(file, input.error, [&] {
+    Kelp::StreamOptions streamOptions;
+    static_cast<Kelp::SceneOptions&>(streamOptions) = options;
+    const auto source = file == "-" ? Kelp::SceneSource::function(readStandardInput, shownName(file))
+                                    : Kelp::SceneSource::file(file);
+    const Kelp::StreamResult result = Kelp::forEachObject(source, callback, streamOptions);
+    input.error = result.error;
+    input.bytes = result.bytes;
+  });
+  return input;
+}
+
+bool isLarge(const std::string& file) {
+  static const int64_t kMemory = int64_t{::sysconf(_SC_PHYS_PAGES)} * ::sysconf(_SC_PAGESIZE);
+  struct stat status;
+  return file != "-" && ::stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+         status.st_size > kMemory / 4;
+}
+
+Kelp::TextInput standardInput() {
+  Kelp::TextInput input;
+  input.read = readStandardInput;
   return input;
 }
 

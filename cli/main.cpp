@@ -42,6 +42,8 @@ ExitCode runReportingFailures(int argc, const char* const* argv) {
     complain(error.message + "; kelp --help tells more");
   } catch (const WriteFailure& failure) {
     complain(failure.message);
+  } catch (const Kelp::InvalidSourceFile& failure) {
+    complain(failure.message.chars());
   } catch (const Kelp::ExceptionMsg& failure) {
     complain(failure.what());
   } catch (const std::bad_alloc&) {

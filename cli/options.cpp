@@ -111,11 +111,23 @@ void addSceneOptions(CLI::App& command, Options& options) {
   command.footer(kExitCodes);
 }
 
-CLI::App* addCheck(CLI::App& app, Options& options, bool needsFile) {
+CLI::App* addCheck(CLI::App& app, Options& options) {
   CLI::App* check = app.add_subcommand("check", "Say whether scenes can be read");
-  check->add_option("FILE", options.files, "Scenes; - is standard input")
-      ->required(needsFile)
-      ->type_name("");
+  check->add_option("FILE", options.files, "Scenes; - is standard input")->type_name("");
+  CLI::Option* list =
+      check->add_option("--files-from", options.filesFrom,
+                        "Then read the scenes that LIST names, one a line; - is standard input");
+  list->type_name("LIST");
+  check->add_flag("-0,--null", options.nulSeparated, "Names in LIST end in NUL, as of find -print0")
+      ->needs(list);
+  CLI::Option* stream = check->add_flag_callback(
+      "--stream", [&options] { options.streaming = Streaming::kAlways; },
+      "Read object by object, without the whole tree in memory");
+  check
+      ->add_flag_callback(
+          "--no-stream", [&options] { options.streaming = Streaming::kNever; },
+          "Never do that; else it is done with files larger than a quarter of memory")
+      ->excludes(stream);
   check->add_flag("--stats", options.stats, "Print what every scene holds and how fast it is read");
   check->add_flag("--json", options.json, "Print one JSON object a line instead of texts");
   addSceneOptions(*check, options);
@@ -156,6 +168,9 @@ CLI::App* addFormat(CLI::App& app, Options& options, bool needsFile) {
 
 // What the library of options cannot know.
 void checkFiles(const Options& options) {
+  if (options.command == Command::kCheck && options.files.empty() && options.filesFrom.empty()) {
+    throw UsageError{"FILE is required"};
+  }
   if (options.command == Command::kDump && options.files.size() != 1) {
     throw UsageError{"dump takes one FILE only"};
   }
@@ -180,7 +195,7 @@ Options parseOptions(int argc, const char* const* argv) {
   CLI::App app("Reads scene descriptions.", "kelp");
   app.set_version_flag("--version", "kelp " KELP_VERSION);
   app.require_subcommand(1);
-  const CLI::App* check = addCheck(app, options, filesBehind.empty());
+  const CLI::App* check = addCheck(app, options);
   addDump(app, options, filesBehind.empty());
   const CLI::App* format = addFormat(app, options, filesBehind.empty());
   try {

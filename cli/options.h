@@ -10,6 +10,7 @@ namespace KelpCli {
 
 enum class Command { kCheck, kDump, kFormat, kShowText };
 enum class Format { kTree, kJson };
+enum class Streaming { kAuto, kAlways, kNever };
 enum class Colour { kAuto, kAlways, kNever };
 
 struct Options {
@@ -20,8 +21,11 @@ struct Options {
   std::vector<std::string> files;  ///< "-" is standard input
   Colour colour = Colour::kAuto;
 
-  bool stats = false;  ///< check
-  bool json = false;   ///< check
+  bool stats = false;         ///< check
+  bool json = false;          ///< check
+  std::string filesFrom;      ///< check; a list of more files, "-" is standard input; empty: none
+  bool nulSeparated = false;  ///< check; the names in that list end in NUL, not at the line's end
+  Streaming streaming = Streaming::kAuto;  ///< check
 
   Format format = Format::kTree;  ///< dump
   std::string output;             ///< dump, format; empty: standard output

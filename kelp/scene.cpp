@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "kelp/sceneparts.h"
 #include "kelp/writers/treetext.h"
 
 namespace Kelp {
@@ -61,12 +62,12 @@ std::string SceneError::position() const {
 
 std::string SceneError::excerpt() const {
   if (tokenLine == 0) return "";
-  const auto caret = static_cast<size_t>(column - 1);
+  const auto caret = static_cast<size_t>(column - lineColumn);
   const size_t first = caret < kExcerptCharacters ? 0 : caret - kExcerptCharacters / 2;
   const size_t begin = byteOfCharacter(sourceLine, first);
   const std::string rest = sourceLine.substr(begin);
   const size_t length = byteOfCharacter(rest, kExcerptCharacters);
-  const std::string before = begin > 0 ? "..." : "";
+  const std::string before = begin > 0 || lineColumn > 1 ? "..." : "";
   const std::string behind = length < rest.size() ? "..." : "";
   return before + withoutControls(rest.substr(0, length)) + behind + '\n' +
          std::string(before.size() + caret - first, ' ') + '^';
@@ -86,59 +87,54 @@ std::ostream& operator<<(std::ostream& out, const SceneError& error) {
 
 // ---- Scene -------------------------------------------------------------------------------------
 
-// Members are destroyed from the last to the first: the program before the texts that it borrows.
-struct Scene::Parts {
-  SourcesReader reader;
-  Scanner scanner{&reader};
-  TreeParser parser{&scanner};
-  auto_ast<ProgramAST> program{nullptr};
-  SceneError error;
-  Objects objects;  // as of objectsUpTo
-  const ObjectAST* objectsUpTo = nullptr;
+void Scene::Parts::apply(const SceneOptions& options) {
+  for (const std::string& path : options.includePaths) reader.addIncludePath(path.c_str());
+  reader.readerParam1 = options.firstFrame;
+  reader.readerParam2 = options.lastFrame;
+  reader.mapFiles = options.mapFiles;
+  reader.limits = options.limits;
+  parser.nameAffix = options.nameAffix.c_str();
+  parser.affixIsSuffix = options.affixIsSuffix;
+  parser.collectReferenceNames = options.collectReferences ? 1 : 0;
+  parser.maxNestingDepth = options.maxNestingDepth;
+  parser.maxObjects = options.maxObjects;
+}
 
-  void apply(const SceneOptions& options) {
-    for (const std::string& path : options.includePaths) reader.addIncludePath(path.c_str());
-    reader.readerParam1 = options.firstFrame;
-    reader.readerParam2 = options.lastFrame;
-    reader.mapFiles = options.mapFiles;
-    reader.limits = options.limits;
-    parser.nameAffix = options.nameAffix.c_str();
-    parser.affixIsSuffix = options.affixIsSuffix;
-    parser.collectReferenceNames = options.collectReferences ? 1 : 0;
-    parser.maxNestingDepth = options.maxNestingDepth;
-    parser.maxObjects = options.maxObjects;
+void Scene::Parts::parse() {
+  try {
+    program.reset(parser.parseProgram());
+  } catch (const InvalidSourceFile& failure) {
+    // The first token is read before the parser records anything.
+    parser.setError(failure.message);
   }
+  if (program.get() == nullptr) error = invalidText();
+}
 
-  void parse() {
-    try {
-      program.reset(parser.parseProgram());
-    } catch (const InvalidSourceFile& failure) {
-      // The first token is read before the parser records anything.
-      parser.setError(failure.message);
-    }
-    if (program.get() == nullptr) noteInvalidText();
-  }
+SceneError Scene::Parts::invalidText() {
+  SceneError invalid;
+  invalid.kind = SceneError::Kind::kInvalid;
+  invalid.message = textOf(parser.errorInfo.getErrorText());
+  invalid.file = textOf(parser.errorInfo.getErrorFile());
+  invalid.line = parser.errorInfo.getErrorLine();
+  // The scanner is one token ahead of the parser, unless it failed or the input has ended.
+  const int back = !scanner.failed() && parser.lookahead >= 0 ? 1 : 0;
+  scanner.readLineOf(back);
+  const SourceLocation location = scanner.locate(back);
+  invalid.tokenFile = textOf(location.file);
+  invalid.tokenLine = location.line;
+  invalid.column = location.column;
+  invalid.sourceLine = location.sourceLine;
+  invalid.lineColumn = location.lineColumn;
+  return invalid;
+}
 
-  void noteUnreadable(const InvalidSourceFile& failure, const std::string& name) {
-    error.kind = SceneError::Kind::kUnreadable;
-    error.message = textOf(failure.message);
-    error.file = name;
-  }
-
-  void noteInvalidText() {
-    error.kind = SceneError::Kind::kInvalid;
-    error.message = textOf(parser.errorInfo.getErrorText());
-    error.file = textOf(parser.errorInfo.getErrorFile());
-    error.line = parser.errorInfo.getErrorLine();
-    // The scanner is one token ahead of the parser, unless it failed or the input has ended.
-    const bool ahead = !scanner.failed() && parser.lookahead >= 0;
-    const SourceLocation location = scanner.locate(ahead ? 1 : 0);
-    error.tokenFile = textOf(location.file);
-    error.tokenLine = location.line;
-    error.column = location.column;
-    error.sourceLine = location.sourceLine;
-  }
-};
+SceneError Scene::Parts::unreadable(const CharString& message, const std::string& name) {
+  SceneError failure;
+  failure.kind = SceneError::Kind::kUnreadable;
+  failure.message = textOf(message);
+  failure.file = name;
+  return failure;
+}
 
 template <class Open>
 Scene Scene::_read(const SceneOptions& options, const std::string& name, Open open) {
@@ -147,7 +143,7 @@ Scene Scene::_read(const SceneOptions& options, const std::string& name, Open op
   try {
     open(sceneParts->reader);
   } catch (const InvalidSourceFile& failure) {
-    sceneParts->noteUnreadable(failure, name);
+    sceneParts->error = Parts::unreadable(failure.message, name);
     return Scene(std::move(sceneParts));
   }
   sceneParts->parse();

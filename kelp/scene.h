@@ -51,6 +51,8 @@ struct SceneError {
   int tokenLine = 0;       ///< its line, from 1
   int column = 0;          ///< its column, from 1, in characters of UTF-8
   std::string sourceLine;  ///< that line, without its end
+  int lineColumn = 1;      ///< column of the first character in sourceLine, from 1: of a long line
+                           ///< of a stream, it may be a part
 
   /// "file:line:column" of the token, or just the file when it could not be read; fit for a
   /// terminal.
@@ -115,9 +117,11 @@ class Scene {
   TreeParser& parser() const;
   SourcesReader& reader() const;
 
- private:
+  // For the library itself.
   struct Parts;
   explicit Scene(std::unique_ptr<Parts> sceneParts);
+
+ private:
   template <class Open>
   static Scene _read(const SceneOptions& options, const std::string& name, Open open);
 

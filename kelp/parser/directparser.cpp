@@ -48,6 +48,26 @@ ObjectAST* DirectParser::nextObject() {
   return _next<ObjectAST>([this] { return parseObject(); });
 }
 
+ObjectAST* DirectParser::nextFollowedObject() {
+  return _next<ObjectAST>([this] {
+    ReferenceRollback references(_state().referenceNames);
+    auto_ast<ObjectAST> object(parseObject());
+    if (!_isObjectAhead()) _fail(Message::kExpectedIdentifier);
+    references.keep();
+    return object.release();
+  });
+}
+
+// Only looks, unless it says no.
+bool DirectParser::_isObjectAhead() {
+  if (!_at(TOKEN_IDENTIFIER)) return false;
+  const SourcePosition start = _position();
+  _advance();
+  if (!_at(TOKEN_IDENTIFIER) && !_at(TOKEN_LBRACE)) return false;
+  _moveTo(start);
+  return true;
+}
+
 PropertyAST* DirectParser::nextProperty() {
   return _next<PropertyAST>([this] { return parseProperty(); });
 }
@@ -60,21 +80,25 @@ Node* DirectParser::_next(Read read) {
     Node* node = read();
     lastRead = lastEnd;
     return node;
-  } catch (const GiveUp&) {
+  } catch (const GiveUp& reason) {
     BuiltinFunctionAST::rndGen = seeds;
+    stoppedAt = reason.at;
     goesOn = false;
     return nullptr;
   }
 }
 
 void DirectParser::handBack() {
-  if (lastRead.source == nullptr) return;
-  // As if the ring had come to the last token that was read, and then passed it: a failure to read
-  // the one behind it must find the ring where it would have stood.
+  for (int scans = handBackUnscanned(); scans > 0; --scans) ring.scanAheadToken(false);
+}
+
+// The ring comes to the last token that was read and then passes it: a failure to read the one
+// behind it must find the ring where it would have stood.
+int DirectParser::handBackUnscanned() {
+  if (lastRead.source == nullptr) return 0;
   ring.scanner->resumeAt(lastRead);
   ring.lookahead = -1;
-  ring.scanAheadToken(false);
-  ring.scanAheadToken(false);
+  return 2;
 }
 
 }  // namespace Kelp

@@ -25,15 +25,29 @@ class DirectParser : public Grammar<TextTokens> {
   /// be read any more.
   PropertyAST* nextProperty();
 
+  /// As nextObject, but only an object that another one follows: what the ring would find behind it
+  /// can then be read.
+  ObjectAST* nextFollowedObject();
+
   /// Lets the ring go on behind what was read. Throws what Scanner::scan throws.
   void handBack();
 
+  /// As handBack, but for the calls of the ring's scanAheadToken(false) in which it passes the last
+  /// token that was read; so many are still to be made. 0: nothing was read, and the ring stands as
+  /// before.
+  int handBackUnscanned();
+
+  /// Whether nothing more can be read because the text is not in memory any further.
+  bool textGoesOn() const { return stoppedAt == _source().end && _source().goesOn; }
+
  private:
+  bool _isObjectAhead();
   template <class Node, class Read>
   Node* _next(Read read);
 
   TokenRing& ring;
-  SourcePosition lastRead;  // what ended the last object or property that was read
+  SourcePosition lastRead;          // what ended the last object or property that was read
+  const char* stoppedAt = nullptr;  // where it was given up
   bool goesOn = true;
 };
 

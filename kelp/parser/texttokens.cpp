@@ -36,7 +36,7 @@ const char* TextTokens::_skipLongSpace(const char* from) {
 const char* TextTokens::_skipLineComment(const char* slash) {
   const char* stop = slash + 2;
   while (*stop != '\n' && *stop != '\0') ++stop;
-  if (*stop == '\0') throw GiveUp();
+  if (*stop == '\0') throw GiveUp{stop};
   return stop;
 }
 
@@ -47,7 +47,7 @@ const char* TextTokens::_skipBlockComment(const char* slash) {
     } else if (*stop == '*' && stop[1] == '/') {
       return stop + 2;
     } else if (*stop == '\0') {
-      throw GiveUp();
+      throw GiveUp{stop};
     }
   }
 }
@@ -59,7 +59,7 @@ void TextTokens::_measure() {
     case TOKEN_IDENTIFIER:
       end = skipIdentifier(at);
       tokenText = {at, static_cast<size_t>(end - at)};
-      if (tokenText == "nan") throw GiveUp();  // a number
+      if (tokenText == "nan") throw GiveUp{at};  // a number
       return;
     case TOKEN_NUMBER:
       end = skipNumber(at);
@@ -67,7 +67,7 @@ void TextTokens::_measure() {
     case TOKEN_STRING:
       return _measureString();
     case TOKEN_UNKNOWN:
-      throw GiveUp();
+      throw GiveUp{at};
     default:
       end = at + 1;
   }
@@ -85,11 +85,11 @@ void TextTokens::_measureString() {
       escaped = escaped || isEscape(stop);
       stop += isEscape(stop) ? 2 : 1;
     } else {
-      throw GiveUp();
+      throw GiveUp{stop};
     }
   }
   auto length = static_cast<size_t>(stop - begin);
-  if (length > longestString) throw GiveUp();
+  if (length > longestString) throw GiveUp{at};
   if (escaped) {
     char* decoded = reader.keepText(length);
     length = static_cast<size_t>(decodeString(begin, stop, decoded) - decoded);
@@ -129,13 +129,13 @@ TextTokens::LongText TextTokens::_longText() {
 }
 
 TextTokens::RawArgument TextTokens::_rawArgument(bool skipped) {
-  if (!_at(TOKEN_STRING)) throw GiveUp();
+  if (!_at(TOKEN_STRING)) throw GiveUp{at};
   const auto length = static_cast<int32_t>(_spelling().size());
   return {record, skipped ? 0 : length};
 }
 
 void TextTokens::_endProperty() {
-  if (*at != ';') throw GiveUp();
+  if (*at != ';') throw GiveUp{at};
   _noteEnd();
   _skip(TOKEN_SEMICOLON);
 }

@@ -24,7 +24,9 @@ class ObjectAST;
 class TextTokens {
  public:
   /// Thrown where the text is not plain.
-  struct GiveUp {};
+  struct GiveUp {
+    const char* at;  ///< a character that is not, or the beginning of something that is not
+  };
 
   TextTokens(SourcesReader& sources, ParserState& parserState)
       : reader(sources),
@@ -39,10 +41,15 @@ class TextTokens {
   bool _at(TOKENTYPE type) const;
   void _expect(TOKENTYPE type, Message /*message*/, const char* /*word*/ = nullptr);
   [[noreturn, gnu::cold]] void _fail(Message /*message*/, const char* /*word*/ = nullptr) const {
-    throw GiveUp();
+    throw GiveUp{at};
   }
 
  protected:
+  /// Where the current token begins, for _moveTo.
+  SourcePosition _position() const { return {source, at, lineStart, line}; }
+  /// The source that the tokens come from.
+  const Source& _source() const { return *source; }
+
   struct PlacedName {
     CharString name;
     CharString file;
@@ -94,7 +101,7 @@ class TextTokens {
   const char* _skipBlockComment(const char* slash);
   void _measure();
   void _measureString();
-  void _noteEnd() { lastEnd = {source, at, lineStart, line}; }
+  void _noteEnd() { lastEnd = _position(); }
   void _beginLine(const char* start) {
     lineStart = start;
     if (line < INT32_MAX) ++line;

@@ -1,18 +1,15 @@
 #include "kelp/source/filebytes.h"
 
-#include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdint>
 #include <cstring>
 #include <new>
 #include <utility>
 
-#include "kelp/utils/exceptions.h"
+#include "kelp/source/descriptor.h"
 
 namespace Kelp {
 
@@ -20,37 +17,6 @@ namespace {
 
 constexpr int kWritable = PROT_READ | PROT_WRITE;
 constexpr int kAnonymous = MAP_PRIVATE | MAP_ANONYMOUS;
-
-[[noreturn]] void throwUnreadable(const std::string& path, const char* reason) {
-  const std::string message = "Cannot read \"" + path + "\": " + reason;
-  throw InvalidSourceFile(CharString(message.c_str()));
-}
-
-[[noreturn]] void throwUnreadable(const std::string& path, int error) {
-  throwUnreadable(path, std::strerror(error));
-}
-
-// A signal that the host handles may interrupt any call that waits, also for a pipe's other end.
-template <class Call>
-auto uninterrupted(const std::string& path, Call call) {
-  for (;;) {
-    const auto result = call();
-    if (result >= 0) return result;
-    if (errno != EINTR) throwUnreadable(path, errno);
-  }
-}
-
-// Closes a file descriptor at the end of a scope.
-class Descriptor {
- public:
-  Descriptor(const std::string& path, int flags)
-      : number(uninterrupted(path,
-                             [&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | flags); })) {}
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() { ::close(number); }
-  const int number;
-};
 
 }  // namespace
 

@@ -1,5 +1,6 @@
 #include "kelp/source/scanner.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "kelp/source/lexemes.h"
@@ -22,6 +23,10 @@ const char* skipCommentsOnLine(const char* at) {
 }
 
 std::string onLine(int line) { return " on line " + std::to_string(line); }
+
+// The most characters from the end of a token to the last one that decides where it ends: `1e+-`
+// and `#include` and what follows them.
+constexpr int64_t kFarthestLook = 16;
 
 constexpr int kNodeTextLimit = 1023;  // longer strings are held by their record
 
@@ -83,6 +88,7 @@ void Scanner::_skipToToken() {
         break;
       case CharacterClass::kEnd:
         if (at != position.source->end) _fail(position, "NUL byte" + onLine(position.line));
+        if (position.source->goesOn) throw TextGoesOn();
         if (!reader->leaveInclude()) return;
         break;
       default:
@@ -114,6 +120,7 @@ void Scanner::_skipBlockComment() {
       return;
     } else if (*at == '\0') {
       if (at != start.source->end) _fail(start, "NUL byte" + onLine(position.line));
+      if (start.source->goesOn) throw TextGoesOn();
       _fail(start, "The comment that begins" + onLine(start.line) + " never ends");
     }
   }
@@ -133,6 +140,10 @@ bool Scanner::_skipInclude() {
   }
   const char* quote = position.at + kWordLength;
   if (isInIdentifier(*quote)) return false;
+  if (position.source->goesOn) {
+    const auto left = static_cast<size_t>(position.source->end - quote);
+    if (std::memchr(quote, '\n', left) == nullptr) throw TextGoesOn();
+  }
   while (isBlank(*quote)) ++quote;
   const char* path = *quote == '"' ? quote + 1 : quote;
   const char* pathEnd = path;
@@ -162,6 +173,8 @@ bool Scanner::_skipInclude() {
 
 void Scanner::_take(Token& token, TOKENTYPE type, const char* end) {
   const char* begin = reader->position.at;
+  const Source& source = *reader->position.source;
+  if (source.goesOn && source.end - end < kFarthestLook) throw TextGoesOn();
   token.text.append(begin, end - begin);
   token.type = type;
   reader->position.at = end;
@@ -197,6 +210,7 @@ void Scanner::_scanString(Token& token, bool copyText) {
       position.beginLine(++stop);
     } else {
       if (stop != start.source->end) _fail(start, "NUL byte" + onLine(position.line));
+      if (start.source->goesOn) throw TextGoesOn();
       _fail(start, "The string that begins" + onLine(start.line) + " never ends");
     }
   }
@@ -242,6 +256,7 @@ void Scanner::_fail(const SourcePosition& place, const std::string& message) {
 
 void Scanner::resumeAt(const SourcePosition& token) {
   reader->position = token;
+  starts[0] = starts[1] = {};
   failure = false;
 }
 
@@ -251,7 +266,11 @@ SourceLocation Scanner::locate(int back) const {
   if (start.source == nullptr) return location;
   location.file = start.source->name;
   location.line = start.line;
-  location.column = 1;
+  if (start.lineStart == start.source->begin) {
+    location.lineColumn =
+        static_cast<int>(std::min<int64_t>(start.source->cutCharacters, INT32_MAX - 1)) + 1;
+  }
+  location.column = location.lineColumn;
   for (const char* at = start.lineStart; at < start.at; ++at) {
     // Every byte but the continuation bytes 10xxxxxx starts a character.
     const bool begins = (static_cast<unsigned char>(*at) & 0xC0U) != 0x80U;
@@ -262,6 +281,43 @@ SourceLocation Scanner::locate(int back) const {
   if (end > start.lineStart && end[-1] == '\r') --end;
   location.sourceLine.assign(start.lineStart, end);
   return location;
+}
+
+// ---- streams -----------------------------------------------------------------------------------
+
+void Scanner::mark(Bookmark& bookmark) const {
+  reader->mark(bookmark.reader);
+  std::copy_n(starts, 2, bookmark.starts);
+  bookmark.failure = failure;
+}
+
+void Scanner::goBack(const Bookmark& bookmark) {
+  reader->goBack(bookmark.reader);
+  std::copy_n(bookmark.starts, 2, starts);
+  failure = bookmark.failure;
+}
+
+void Scanner::readOn() { reader->readOn(starts[0], starts[1]); }
+
+void Scanner::closeStream() {
+  starts[0] = starts[1] = {};
+  reader->closeStream();
+}
+
+void Scanner::readLineOf(int back) {
+  const SourcePosition& start = starts[back];
+  const auto isWhole = [&start] {
+    const Source* source = start.source;
+    if (source == nullptr || !source->goesOn) return true;
+    const auto left = source->end - start.at;
+    return left >= SourcesReader::kLineContext ||
+           std::memchr(start.at, '\n', static_cast<size_t>(left)) != nullptr;
+  };
+  try {
+    while (!isWhole()) readOn();
+  } catch (const InvalidSourceFile&) {
+    // The line ends where it can no longer be read.
+  }
 }
 
 }  // namespace Kelp

@@ -13,8 +13,13 @@ struct SourceLocation {
   CharString file;         ///< null for a text without a name
   int line = 0;            ///< from 1; 0: no place is known
   int column = 0;          ///< from 1, in characters of UTF-8
-  std::string sourceLine;  ///< the whole line, without its end
+  std::string sourceLine;  ///< the line, without its end
+  int lineColumn = 1;  ///< of the first character in it: of a long line of a stream, only a part
+                       ///< is in memory
 };
+
+/// Thrown in a stream: what the next token is depends on text that is not in memory yet.
+struct TextGoesOn {};
 
 /// Reads tokens one after the other. Comments and white space separate tokens; #include lines are
 /// followed here, so that the tokens of the included file stand in their place.
@@ -28,8 +33,8 @@ class Scanner {
   SourcesReader* reader;  ///< borrowed; the parser reaches the reader through its scanner only
 
   /// Reads the next token into the slot; at the end of all input TOKEN_END, as often as it is
-  /// asked. Throws InvalidSourceFile for text that no token can be made of (then failed() holds)
-  /// and std::bad_alloc.
+  /// asked. Throws InvalidSourceFile for text that no token can be made of (then failed() holds),
+  /// std::bad_alloc, and TextGoesOn.
   virtual void scan(Token& token);
 
   /// As scan, but the text of a string is not copied: `text` stays empty, the record in `overflow`
@@ -48,6 +53,34 @@ class Scanner {
 
   /// True when the last scan threw InvalidSourceFile.
   bool failed() const { return failure; }
+
+  // ---- for who reads a stream ----
+
+  /// Where scanning stands, for coming back to it.
+  struct Bookmark {
+    SourcesReader::Bookmark reader;
+    SourcePosition starts[2];
+    bool failure = false;
+  };
+
+  /// Notes where scanning stands.
+  void mark(Bookmark& bookmark) const;
+  /// Goes back there. Requires: no text has moved since.
+  void goBack(const Bookmark& bookmark);
+
+  /// Reads on behind the end of the text in memory, and drops what lies before the last two tokens.
+  /// Throws as SourcesReader::readOn.
+  void readOn();
+
+  /// Reads on until the line of the last token (back 0) or the one before it (back 1) is in memory,
+  /// if it is not too long and can be read. What lies before it is dropped.
+  void readLineOf(int back);
+
+  /// Forgets the stream's text and all included files.
+  void closeStream();
+
+  /// Drops included files that are not needed any more.
+  void dropFiles() { reader->dropFiles(starts[0].source, starts[1].source); }
 
  private:
   void _scanToken(Token& token, bool copyStrings);

@@ -8,6 +8,7 @@
 #include <filesystem>
 
 #include "kelp/source/filebytes.h"
+#include "kelp/source/streamedtext.h"
 #include "kelp/utils/exceptions.h"
 
 namespace Kelp {
@@ -17,6 +18,12 @@ namespace {
 // What an unopened reader stands in: nothing to read, line 1, no name.
 const char kNothing[FileBytes::kPadding] = {};
 
+// Included files are kept for the case that they are included again, but not too much of them while
+// a scene is read that need not fit into memory.
+constexpr int64_t kIncludedBytesHeld = int64_t{16} << 20U;
+
+constexpr const char* kByteOrderMark = "\xEF\xBB\xBF";
+
 const Source& emptySource() {
   static const Source empty = [] {
     Source source;
@@ -24,11 +31,6 @@ const Source& emptySource() {
     return source;
   }();
   return empty;
-}
-
-std::string directoryOf(const char* name) {
-  std::string directory = std::filesystem::path(name != nullptr ? name : "").parent_path().string();
-  return directory.empty() ? "." : directory;
 }
 
 bool exists(const std::string& path) {
@@ -52,6 +54,11 @@ bool isBelow(const std::string& path, const std::string& folder) {
 
 }  // namespace
 
+std::string directoryOfFile(const char* name) {
+  std::string directory = std::filesystem::path(name != nullptr ? name : "").parent_path().string();
+  return directory.empty() ? "." : directory;
+}
+
 struct SourcesReader::LoadedSource {
   Source source;
   FileBytes bytes;
@@ -74,7 +81,10 @@ SourcesReader::~SourcesReader() = default;
 
 // ---- scenes ------------------------------------------------------------------------------------
 
-void SourcesReader::openFile(const char* path) { _start(_keep(_load(path, false, 0))); }
+void SourcesReader::openFile(const char* path) {
+  const LoadedSource* loaded = _keep(_load(path, false, 0));
+  _start(loaded->source, loaded->size());
+}
 
 void SourcesReader::openText(const char* text, int64_t length, const char* name) {
   _checkBytes(length);
@@ -91,17 +101,29 @@ void SourcesReader::_startText(FileBytes bytes, const char* name) {
   auto loaded = std::make_unique<LoadedSource>();
   loaded->bytes = std::move(bytes);
   loaded->source.name = CharString(name);
-  loaded->source.directory = CharString(directoryOf(name).c_str());
-  _start(_keep(std::move(loaded)));
+  loaded->source.directory = CharString(directoryOfFile(name).c_str());
+  const LoadedSource* kept = _keep(std::move(loaded));
+  _start(kept->source, kept->size());
 }
 
-void SourcesReader::_start(LoadedSource* loaded) {
+void SourcesReader::openStream(TextInput input, const char* name, size_t windowBytes) {
+  _checkBytes(input.size);
+  auto opened = std::make_unique<StreamedText>(std::move(input), name, windowBytes);
+  _checkBytes(opened->size());
+  Source& source = opened->source;
+  if (std::strncmp(source.begin, kByteOrderMark, 3) == 0) source.begin += 3;
+  _start(source, opened->size());
+  totalBytes += opened->bytesSoFar() - opened->size();
+  stream = std::move(opened);
+}
+
+void SourcesReader::_start(const Source& source, int64_t bytes) {
   includers.clear();
   includes = 0;
-  sceneBytes = loaded->size();
-  totalBytes += loaded->size();
-  sceneSource = &loaded->source;
-  position = {sceneSource, sceneSource->begin, sceneSource->begin, 1};
+  sceneBytes = bytes;
+  totalBytes += bytes;
+  sceneSource = &source;
+  position = {sceneSource, source.begin, source.begin, 1};
 }
 
 std::unique_ptr<SourcesReader::LoadedSource> SourcesReader::_load(const std::string& path,
@@ -115,7 +137,7 @@ std::unique_ptr<SourcesReader::LoadedSource> SourcesReader::_load(const std::str
   loaded->bytes = FileBytes::read(path, request);
   _checkBytes(bytesRead + loaded->size());
   loaded->source.name = CharString(path.c_str());
-  loaded->source.directory = CharString(directoryOf(path.c_str()).c_str());
+  loaded->source.directory = CharString(directoryOfFile(path.c_str()).c_str());
   loaded->source.device = loaded->bytes.device;
   loaded->source.inode = loaded->bytes.inode;
   return loaded;
@@ -125,7 +147,7 @@ SourcesReader::LoadedSource* SourcesReader::_keep(std::unique_ptr<LoadedSource> 
   Source& source = loaded->source;
   source.begin = loaded->bytes.data;
   source.end = source.begin + loaded->bytes.size;
-  if (std::strncmp(source.begin, "\xEF\xBB\xBF", 3) == 0) source.begin += 3;
+  if (std::strncmp(source.begin, kByteOrderMark, 3) == 0) source.begin += 3;
   sources.push_back(std::move(loaded));
   return sources.back().get();
 }
@@ -186,7 +208,9 @@ SourcesReader::LoadedSource* SourcesReader::_openInclude(const std::string& path
     _checkBytes(sceneBytes + known->size());
     return known;
   }
-  return known = _keep(_load(path, true, sceneBytes));
+  known = _keep(_load(path, true, sceneBytes));
+  includedBytes += known->size();
+  return known;
 }
 
 std::string SourcesReader::_resolveInclude(const std::string& path) const {
@@ -216,6 +240,64 @@ bool SourcesReader::_isConfined(const std::string& path) const {
   if (isBelow(path, sceneSource->directory.chars())) return true;
   return std::any_of(includePaths.begin(), includePaths.end(),
                      [&path](const std::string& folder) { return isBelow(path, folder); });
+}
+
+// ---- streams -----------------------------------------------------------------------------------
+
+void SourcesReader::mark(Bookmark& bookmark) const {
+  bookmark.position = position;
+  bookmark.includers = includers;
+  bookmark.totalBytes = totalBytes;
+  bookmark.sceneBytes = sceneBytes;
+  bookmark.includes = includes;
+}
+
+void SourcesReader::goBack(const Bookmark& bookmark) {
+  position = bookmark.position;
+  includers = bookmark.includers;
+  totalBytes = bookmark.totalBytes;
+  sceneBytes = bookmark.sceneBytes;
+  includes = bookmark.includes;
+}
+
+void SourcesReader::readOn(SourcePosition& place, SourcePosition& anotherPlace) {
+  const int64_t sizeBefore = stream->size();
+  const int64_t readBefore = stream->bytesSoFar();
+  stream->readOn({includers.empty() ? &position : &includers.front(), &place, &anotherPlace});
+  sceneBytes += stream->size() - sizeBefore;
+  totalBytes += stream->bytesSoFar() - readBefore;
+  _checkBytes(sceneBytes);
+}
+
+void SourcesReader::closeStream() {
+  stream->close();
+  position = {sceneSource, sceneSource->begin, sceneSource->begin, position.line};
+  includers.clear();
+  includedBefore.clear();
+  sources.clear();
+  includedBytes = 0;
+}
+
+void SourcesReader::dropTexts(size_t begin, size_t end) {
+  const auto first = keptTexts.begin();
+  keptTexts.erase(first + static_cast<std::ptrdiff_t>(begin),
+                  first + static_cast<std::ptrdiff_t>(end));
+}
+
+void SourcesReader::dropFiles(const Source* inUse, const Source* alsoInUse) {
+  if (includedBytes <= kIncludedBytesHeld) return;
+  const auto isUsed = [&](const LoadedSource& file) {
+    const Source* source = &file.source;
+    return source == inUse || source == alsoInUse || source == position.source ||
+           std::any_of(includers.begin(), includers.end(),
+                       [source](const SourcePosition& place) { return place.source == source; });
+  };
+  std::erase_if(includedBefore, [&](const auto& known) {
+    return known.second == nullptr || !isUsed(*known.second);
+  });
+  std::erase_if(sources, [&](const auto& file) { return !isUsed(*file); });
+  includedBytes = 0;
+  for (const auto& known : includedBefore) includedBytes += known.second->size();
 }
 
 }  // namespace Kelp

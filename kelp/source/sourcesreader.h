@@ -9,6 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "kelp/source/textinput.h"
 #include "kelp/utils/charstring.h"
 
 namespace Kelp {
@@ -23,6 +24,8 @@ struct Source {
   const char* end = nullptr;
   dev_t device = 0;  ///< with inode the identity of a file; both 0 for a text in memory
   ino_t inode = 0;
+  bool goesOn = false;        ///< more of the text follows `end`, which is not in memory yet
+  int64_t cutCharacters = 0;  ///< of the line that `begin` stands in, before it; 0: all are there
 };
 
 /// A place in a source. Lines count from 1 and end at LF; from the 2,147,483,647th on they all
@@ -39,6 +42,11 @@ struct SourcePosition {
   }
 };
 
+class StreamedText;
+
+/// The folder that a file lies in, "." for a name without one and for null.
+std::string directoryOfFile(const char* name);
+
 /// What a reader refuses to read. Texts that are not to be trusted need tighter ones.
 struct SourceLimits {
   int64_t maxBytes = 0;          ///< of all files of a scene, again for every include; 0: no limit
@@ -53,6 +61,8 @@ class SourcesReader {
  public:
   /// A scene's own file counts as the first of these.
   static constexpr int kMaxFiles = 64;
+  /// How much of a stream's line stays in memory before a place, and is looked for behind it.
+  static constexpr int64_t kLineContext = 65536;
   /// Zero bytes behind a text, so that a scanner may read a little past its end.
   static constexpr size_t kPadding = 64;
 
@@ -72,6 +82,11 @@ class SourcesReader {
   /// As openText, but the text is not copied: it stays the caller's, unchanged, as long as the
   /// reader lives, and kPadding zero bytes follow it.
   void borrowText(const char* text, int64_t length, const char* name);
+
+  /// Starts reading a scene of which a window of `windowBytes` bytes is in memory, more where it is
+  /// needed: readOn moves it. The name is as in openText. Throws as openFile does, or what the
+  /// input throws.
+  void openStream(TextInput input, const char* name, size_t windowBytes);
 
   /// Adds a directory to look up included files in, after that of the including file.
   void addIncludePath(const char* directory);
@@ -108,8 +123,44 @@ class SourcesReader {
   /// At the end of an included file: back to the file that included it. False in the scene's own.
   bool leaveInclude();
 
-  /// Room for `bytes` characters that lives as long as the reader.
+  /// Room for `bytes` characters that lives as long as the reader, unless it is dropped.
   char* keepText(size_t bytes);
+
+  // ---- for who reads a stream ----
+
+  /// Where reading stands, with the way there, for coming back to it.
+  struct Bookmark {
+    SourcePosition position;
+    std::vector<SourcePosition> includers;
+    int64_t totalBytes = 0;
+    int64_t sceneBytes = 0;
+    int64_t includes = 0;
+  };
+
+  /// Notes where reading stands.
+  void mark(Bookmark& bookmark) const;
+  /// Goes back there. Requires: no text that it stands in has moved since.
+  void goBack(const Bookmark& bookmark);
+
+  /// Reads on behind the end of the scene's text, and drops what lies before the first of these two
+  /// places and the reader's own; they follow the text to where it moves. Throws what the input
+  /// throws, and InvalidSourceFile when the scene gets too long.
+  void readOn(SourcePosition& place, SourcePosition& anotherPlace);
+
+  /// Forgets the stream's text and all included files. There is nothing to read then, and nothing
+  /// that was read from them may be used but what keepText has room for.
+  void closeStream();
+
+  /// The scene's own text, without those that it includes.
+  const Source& sceneText() const { return *sceneSource; }
+  /// Texts that keepText has made room for.
+  size_t keptTextCount() const { return keptTexts.size(); }
+  /// Drops those from the one with number `begin` on up to that before `end`, both from 0.
+  void dropTexts(size_t begin, size_t end);
+
+  /// Drops included files that take much memory, unless the reader or one of these stands in them.
+  /// They are read again when they are included again.
+  void dropFiles(const Source* inUse, const Source* alsoInUse);
 
   /// Total bytes of the files and texts opened so far, again for every include.
   int64_t bytesRead() const { return totalBytes; }
@@ -118,7 +169,7 @@ class SourcesReader {
   struct LoadedSource;
 
   void _startText(FileBytes bytes, const char* name);
-  void _start(LoadedSource* loaded);
+  void _start(const Source& source, int64_t bytes);
   LoadedSource* _openInclude(const std::string& path);
   std::unique_ptr<LoadedSource> _load(const std::string& path, bool regularOnly,
                                       int64_t bytesRead) const;
@@ -134,9 +185,11 @@ class SourcesReader {
   std::vector<SourcePosition> includers;  // innermost last
   std::vector<std::string> includePaths;
   const Source* sceneSource = nullptr;
+  std::unique_ptr<StreamedText> stream;  // the scene's own when it is read piece by piece
   int64_t totalBytes = 0;
-  int64_t sceneBytes = 0;  // the part of them that belongs to this scene
-  int64_t includes = 0;    // followed in this scene
+  int64_t sceneBytes = 0;     // the part of them that belongs to this scene
+  int64_t includes = 0;       // followed in this scene
+  int64_t includedBytes = 0;  // of the included files in memory
 };
 
 }  // namespace Kelp

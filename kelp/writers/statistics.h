@@ -17,4 +17,7 @@ struct Statistics {
 /// Counts without recursion: neither depth nor length of the tree costs stack.
 Statistics countProgram(const ProgramAST& program);
 
+/// Adds what one object holds, in the same way.
+void countObject(const ObjectAST& object, Statistics& statistics);
+
 }  // namespace Kelp

@@ -45,6 +45,10 @@ TEST_F(Usage, WhatMakesNoSenseIsToldWithCodeTwo) {
       {"check --frames 1:inf a.scene", "--frames: \"inf\" is not a frame number"},
       {"check --frames 1:nan a.scene", "--frames: \"nan\" is not a frame number"},
       {"check --frames 2:1 a.scene", "--frames: the first frame lies behind the last"},
+      {"check -0 a.scene", "--null requires --files-from"},
+      {"check a.scene --files-from", "--files-from: 1 required LIST missing"},
+      {"check --stream --no-stream a.scene", "--stream excludes --no-stream"},
+      {"dump --files-from list", "The following argument was not expected: --files-from"},
       {"check a.scene -I", "--include: 1 required DIR missing"},
   };
   for (const auto& row : rows) {
@@ -63,7 +67,7 @@ TEST_F(Usage, HelpNamesEveryCommandAndOption) {
       {"--help", {"Usage: kelp", "check", "dump", "--version"}},
       {"check --help",
        {"Usage: kelp check", "FILE", "--stats", "--json", "-I", "--affix", "--suffix", "--frames",
-        "--color", "Exit codes"}},
+        "--color", "Exit codes", "--files-from LIST", "-0,--null", "--stream", "--no-stream"}},
       {"dump --help",
        {"Usage: kelp dump", "FILE", "--format tree|json", "-o,--output", "-I", "--affix",
         "--suffix", "--frames", "--color", "Exit codes"}},
