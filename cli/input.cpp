@@ -118,8 +118,9 @@ StreamedInput streamScene(const std::string& file, const Kelp::SceneOptions& opt
   input.seconds = timed(file, input.error, [&] {
     Kelp::StreamOptions streamOptions;
     static_cast<Kelp::SceneOptions&>(streamOptions) = options;
-    const auto source = file == "-" ? Kelp::SceneSource::function(readStandardInput, shownName(file))
-                                    : Kelp::SceneSource::file(file);
+    const auto source = file == "-"
+                            ? Kelp::SceneSource::function(readStandardInput, shownName(file))
+                            : Kelp::SceneSource::file(file);
     const Kelp::StreamResult result = Kelp::forEachObject(source, callback, streamOptions);
     input.error = result.error;
     input.bytes = result.bytes;
