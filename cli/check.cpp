@@ -8,6 +8,7 @@
 #include "cli/filenames.h"
 #include "cli/input.h"
 #include "cli/jsonwriter.h"
+#include "cli/objects.h"
 #include "cli/output.h"
 #include "kelp/source/sourcesreader.h"
 #include "kelp/utils/exceptions.h"
@@ -64,9 +65,7 @@ Checked checkStream(const std::string& file, const Options& options) {
 }
 
 Checked check(const std::string& file, const Options& options) {
-  const bool streams = options.streaming == Streaming::kAlways ||
-                       (options.streaming == Streaming::kAuto && isLarge(file));
-  return streams ? checkStream(file, options) : checkWhole(file, options);
+  return isStreamed(file, options) ? checkStream(file, options) : checkWhole(file, options);
 }
 
 std::string statsLine(const std::string& name, const Figures& figures) {

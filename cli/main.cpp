@@ -29,6 +29,12 @@ ExitCode run(int argc, const char* const* argv) {
       return runDump(options);
     case Command::kFormat:
       return runFormat(options);
+    case Command::kList:
+      return runList(options);
+    case Command::kShow:
+      return runShow(options);
+    case Command::kStats:
+      return runStats(options);
     case Command::kShowText:
       break;
   }

@@ -111,6 +111,27 @@ void addSceneOptions(CLI::App& command, Options& options) {
   command.footer(kExitCodes);
 }
 
+void addStreaming(CLI::App& command, Options& options) {
+  CLI::Option* stream = command.add_flag_callback(
+      "--stream", [&options] { options.streaming = Streaming::kAlways; },
+      "Read object by object, without the whole tree in memory");
+  command
+      .add_flag_callback(
+          "--no-stream", [&options] { options.streaming = Streaming::kNever; },
+          "Never do that; else it is done with files larger than a quarter of memory")
+      ->excludes(stream);
+}
+
+void addJson(CLI::App& command, Options& options) {
+  command.add_flag("--json", options.json, "Print one JSON object a line instead of texts");
+}
+
+void addOutput(CLI::App& command, Options& options) {
+  command
+      .add_option("-o,--output", options.output, "Write to FILE, when all is well, not to stdout")
+      ->type_name("FILE");
+}
+
 CLI::App* addCheck(CLI::App& app, Options& options) {
   CLI::App* check = app.add_subcommand("check", "Say whether scenes can be read");
   check->add_option("FILE", options.files, "Scenes; - is standard input")->type_name("");
@@ -120,16 +141,9 @@ CLI::App* addCheck(CLI::App& app, Options& options) {
   list->type_name("LIST");
   check->add_flag("-0,--null", options.nulSeparated, "Names in LIST end in NUL, as of find -print0")
       ->needs(list);
-  CLI::Option* stream = check->add_flag_callback(
-      "--stream", [&options] { options.streaming = Streaming::kAlways; },
-      "Read object by object, without the whole tree in memory");
-  check
-      ->add_flag_callback(
-          "--no-stream", [&options] { options.streaming = Streaming::kNever; },
-          "Never do that; else it is done with files larger than a quarter of memory")
-      ->excludes(stream);
+  addStreaming(*check, options);
   check->add_flag("--stats", options.stats, "Print what every scene holds and how fast it is read");
-  check->add_flag("--json", options.json, "Print one JSON object a line instead of texts");
+  addJson(*check, options);
   addSceneOptions(*check, options);
   return check;
 }
@@ -141,8 +155,7 @@ CLI::App* addDump(CLI::App& app, Options& options, bool needsFile) {
       ->type_name("");
   addChoice<Format>(*dump, "--format", "Form of the output",
                     {{"tree", Format::kTree}, {"json", Format::kJson}}, options.format);
-  dump->add_option("-o,--output", options.output, "Write to FILE, when all is well, not to stdout")
-      ->type_name("FILE");
+  addOutput(*dump, options);
   addSceneOptions(*dump, options);
   return dump;
 }
@@ -166,13 +179,60 @@ CLI::App* addFormat(CLI::App& app, Options& options, bool needsFile) {
   return format;
 }
 
+CLI::App* addList(CLI::App& app, Options& options, bool needsFile) {
+  CLI::App* list = app.add_subcommand("list", "Print a table of the objects of a scene");
+  list->add_option("FILE", options.files, "The scene; - is standard input")
+      ->required(needsFile)
+      ->type_name("");
+  list->add_option("--type", options.typePattern, "Only objects of types like GLOB")
+      ->type_name("GLOB");
+  list->add_option("--name", options.namePattern, "Only objects of names like GLOB")
+      ->type_name("GLOB");
+  addJson(*list, options);
+  addOutput(*list, options);
+  addStreaming(*list, options);
+  addSceneOptions(*list, options);
+  return list;
+}
+
+CLI::App* addShow(CLI::App& app, Options& options, bool needsFile) {
+  CLI::App* show = app.add_subcommand("show", "Print an object or a property as scene text");
+  show->add_option("FILE", options.files, "The scene, - is standard input; and what to show of it")
+      ->required(needsFile)
+      ->type_name("OBJECT[.PROPERTY]");
+  addJson(*show, options);
+  addOutput(*show, options);
+  addStreaming(*show, options);
+  addSceneOptions(*show, options);
+  return show;
+}
+
+CLI::App* addStats(CLI::App& app, Options& options, bool needsFile) {
+  CLI::App* stats = app.add_subcommand("stats", "Count what scenes hold");
+  stats->add_option("FILE", options.files, "Scenes; - is standard input")
+      ->required(needsFile)
+      ->type_name("");
+  addJson(*stats, options);
+  addStreaming(*stats, options);
+  addSceneOptions(*stats, options);
+  return stats;
+}
+
 // What the library of options cannot know.
-void checkFiles(const Options& options) {
+void checkFiles(Options& options) {
   if (options.command == Command::kCheck && options.files.empty() && options.filesFrom.empty()) {
     throw UsageError{"FILE is required"};
   }
   if (options.command == Command::kDump && options.files.size() != 1) {
     throw UsageError{"dump takes one FILE only"};
+  }
+  if (options.command == Command::kList && options.files.size() != 1) {
+    throw UsageError{"list takes one FILE only"};
+  }
+  if (options.command == Command::kShow) {
+    if (options.files.size() != 2) throw UsageError{"show takes FILE and OBJECT[.PROPERTY]"};
+    options.object = options.files.back();
+    options.files.pop_back();
   }
   if (options.command != Command::kFormat) return;
   if (!options.output.empty() && options.files.size() != 1) {
@@ -195,14 +255,20 @@ Options parseOptions(int argc, const char* const* argv) {
   CLI::App app("Reads scene descriptions.", "kelp");
   app.set_version_flag("--version", "kelp " KELP_VERSION);
   app.require_subcommand(1);
-  const CLI::App* check = addCheck(app, options);
-  addDump(app, options, filesBehind.empty());
-  const CLI::App* format = addFormat(app, options, filesBehind.empty());
+  const bool needsFile = filesBehind.empty();
+  const std::pair<const CLI::App*, Command> commands[] = {
+      {addCheck(app, options), Command::kCheck},
+      {addDump(app, options, needsFile), Command::kDump},
+      {addFormat(app, options, needsFile), Command::kFormat},
+      {addList(app, options, needsFile), Command::kList},
+      {addShow(app, options, needsFile), Command::kShow},
+      {addStats(app, options, needsFile), Command::kStats}};
   try {
     app.parse(static_cast<int>(mark - argv), argv);
     options.files.insert(options.files.end(), filesBehind.begin(), filesBehind.end());
-    options.command = check->parsed() ? Command::kCheck : Command::kDump;
-    if (format->parsed()) options.command = Command::kFormat;
+    for (const auto& [subcommand, command] : commands) {
+      if (subcommand->parsed()) options.command = command;
+    }
   } catch (const CLI::CallForHelp&) {
     options.text = app.help();  // of the command, if one was named
   } catch (const CLI::CallForVersion&) {

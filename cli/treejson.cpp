@@ -31,6 +31,23 @@ class TreeWriter final : public Visitor {
     json.endObject();
   }
 
+  void write(const PropertyAST& property) {
+    json.beginObject();
+    json.key("name").text(viewOf(property.name));
+    json.key("file").text(viewOf(property.file));
+    json.key("line").integer(property.line);
+    json.key("frames").beginArray();
+    for (const PropertyRecord* record = property.records; record != nullptr;
+         record = record->next) {
+      tuple({record->t1, record->t2});
+    }
+    json.endArray();
+    json.key("value");
+    add(property.value);
+    steps.run([this](const Step& step) { perform(step); });
+    json.endObject();
+  }
+
   void visit(NumberExpressionAST& node) override {
     begin("number");
     json.key("value").number(node.value);
@@ -155,23 +172,6 @@ class TreeWriter final : public Visitor {
     const char* name;
   };
 
-  void write(const PropertyAST& property) {
-    json.beginObject();
-    json.key("name").text(viewOf(property.name));
-    json.key("file").text(viewOf(property.file));
-    json.key("line").integer(property.line);
-    json.key("frames").beginArray();
-    for (const PropertyRecord* record = property.records; record != nullptr;
-         record = record->next) {
-      tuple({record->t1, record->t2});
-    }
-    json.endArray();
-    json.key("value");
-    add(property.value);
-    steps.run([this](const Step& step) { perform(step); });
-    json.endObject();
-  }
-
   void perform(const Step& step) {
     switch (step.action) {
       case Action::kValue:
@@ -259,6 +259,18 @@ void writeTreeJson(std::ostream& out, std::string_view sceneName, const ProgramA
   for (const ObjectAST* object : objectsInTextOrder(program)) tree.write(*object);
   json.endArray();
   json.endObject();
+  json.newLine();
+}
+
+void writeNodeJson(std::ostream& out, const ObjectAST& object) {
+  JsonWriter json(out);
+  TreeWriter(json).write(object);
+  json.newLine();
+}
+
+void writeNodeJson(std::ostream& out, const PropertyAST& property) {
+  JsonWriter json(out);
+  TreeWriter(json).write(property);
   json.newLine();
 }
 

@@ -12,4 +12,8 @@ namespace KelpCli {
 /// fails.
 void writeTreeJson(std::ostream& out, std::string_view sceneName, const Kelp::ProgramAST& program);
 
+/// One object or property alone, on a line of its own.
+void writeNodeJson(std::ostream& out, const Kelp::ObjectAST& object);
+void writeNodeJson(std::ostream& out, const Kelp::PropertyAST& property);
+
 }  // namespace KelpCli

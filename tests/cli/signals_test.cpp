@@ -15,6 +15,9 @@ class EndingSignals : public ProgramTest {
  protected:
   EndingSignals() { write("out", "old"); }
 
+  // As a program starts in the foreground, wherever the tests were started.
+  static void expectDefault(int signal) { std::signal(signal, SIG_DFL); }
+
   // Half of an output is in its temporary file when the signal comes.
   void writeUntil(int signal) const {
     KelpCli::Output output((directory / "in" / "out").string());
@@ -32,7 +35,11 @@ class EndingSignals : public ProgramTest {
 TEST_F(EndingSignals, LeaveTheOldFileAndNoTemporaryOne) {
   for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGXCPU, SIGXFSZ}) {
     SCOPED_TRACE(signal);
-    EXPECT_EXIT(writeUntil(signal), testing::KilledBySignal(signal), "");
+    const auto end = [&] {
+      expectDefault(signal);
+      writeUntil(signal);
+    };
+    EXPECT_EXIT(end(), testing::KilledBySignal(signal), "");
     EXPECT_EQ(contents("out"), "old");
     EXPECT_EQ(files(), "out\n");
   }
@@ -50,6 +57,7 @@ TEST_F(EndingSignals, StayIgnoredWhenTheyWere) {
 
 TEST_F(EndingSignals, AfterACompleteFileLeaveIt) {
   const auto interruptedLater = [&] {
+    expectDefault(SIGINT);
     KelpCli::Output output((directory / "in" / "out").string());
     output.stream() << "whole";
     output.finish();

@@ -1,0 +1,97 @@
+// kelp show: one object, or one of its properties, as scene text.
+#include <fmt/format.h>
+
+#include "cli/commands.h"
+#include "cli/diagnostics.h"
+#include "cli/objects.h"
+#include "cli/output.h"
+#include "cli/treejson.h"
+#include "kelp/writers/scenetextwriter.h"
+
+namespace KelpCli {
+
+namespace {
+
+// What is asked for: OBJECT, or OBJECT.PROPERTY. Names have no dots.
+struct Wanted {
+  explicit Wanted(const std::string& words) {
+    const size_t dot = words.find('.');
+    object = words.substr(0, dot);
+    isProperty = dot != std::string::npos;
+    if (isProperty) property = words.substr(dot + 1);
+  }
+
+  bool isObject(const Kelp::ObjectAST& candidate) const { return object == candidate.name.chars(); }
+
+  std::string object;
+  std::string property;
+  bool isProperty;
+};
+
+class Shower {
+ public:
+  Shower(const Wanted& asked, bool asJson, std::ostream& stream)
+      : wanted(asked), json(asJson), out(stream) {}
+
+  void see(const Kelp::ObjectAST& object) {
+    if (!wanted.isObject(object)) return;
+    anyObject = true;
+    if (!wanted.isProperty) return show(object);
+    // The last assignment wins.
+    if (const auto* property = object.findProperty(wanted.property.c_str())) show(*property);
+  }
+
+  /// Why nothing was shown; empty when something was.
+  std::string complaint() const {
+    if (any) return {};
+    if (!anyObject) return fmt::format("there is no object \"{}\"", wanted.object);
+    return fmt::format("\"{}\" has no property \"{}\"", wanted.object, wanted.property);
+  }
+
+ private:
+  template <class Node>
+  void show(const Node& node) {
+    const bool first = !any;
+    any = true;
+    if (json) return writeNodeJson(out, node);
+    if (!first && !wanted.isProperty) out << '\n';
+    // One for each: a stream may have an object several times, which a scene has not.
+    Kelp::SceneTextWriter writer([this](std::string_view piece) {
+      out.write(piece.data(), static_cast<std::streamsize>(piece.size()));
+    });
+    writer.write(node);
+    writer.finish();
+  }
+
+  const Wanted& wanted;
+  const bool json;
+  std::ostream& out;
+  bool anyObject = false;
+  bool any = false;
+};
+
+}  // namespace
+
+ExitCode runShow(const Options& options) try {
+  const std::string& file = options.files.front();
+  const Wanted wanted(options.object);
+  Output output(options.output);
+  Shower shower(wanted, options.json, output.stream());
+  const Kelp::SceneError error = forEachObject(
+      file, options, [&shower](const Kelp::ObjectAST& object) { shower.see(object); });
+  if (error.kind != Kelp::SceneError::Kind::kNone) {
+    report(error, options.colour);
+    return exitCodeOf(error);
+  }
+  if (const std::string complaint = shower.complaint(); !complaint.empty()) {
+    complain(fmt::format("{}: {}; kelp list names all objects", file, complaint));
+    return kInvalid;
+  }
+  output.finish();
+  return kGood;
+} catch (const Kelp::NotWritableException& failure) {  // a name that an affix has spoilt
+  complain(failure.message.chars());
+  return kInvalid;
+}
+
+}  // namespace KelpCli
