@@ -4,34 +4,39 @@
 #include <climits>
 #include <cstring>
 #include <memory>
+#include <string_view>
 
 namespace Kelp {
 
 namespace {
+
+// An absent text counts as empty.
+std::string_view viewOf(const CharString& text) {
+  const char* chars = text.chars();
+  return chars != nullptr ? std::string_view(chars) : std::string_view();
+}
 
 // Appends to a key that may be cut: once it is full, nothing more fits.
 class KeyWriter {
  public:
   KeyWriter(char* buffer, int bufferSize) : at(buffer), room(bufferSize - 1) { *at = '\0'; }
 
-  void append(const char* text, size_t length) {
+  void append(std::string_view text) {
     if (room <= 0) return;
-    const size_t fitting = std::min(length, static_cast<size_t>(room));
-    std::memcpy(at, text, fitting);
+    const size_t fitting = std::min(text.size(), static_cast<size_t>(room));
+    std::memcpy(at, text.data(), fitting);
     at += fitting;
     room -= static_cast<int>(fitting);
     *at = '\0';
   }
 
-  void append(const CharString& text) {
-    if (!text.isEmpty()) append(text.chars(), std::strlen(text.chars()));
+  void appendKey(std::string_view type, std::string_view name) {
+    append(type);
+    append("\t");
+    append(name);
   }
 
-  void appendKeyOf(const ObjectAST& object) {
-    append(object.type);
-    append("\t", 1);
-    append(object.name);
-  }
+  void appendKeyOf(const ObjectAST& object) { appendKey(viewOf(object.type), viewOf(object.name)); }
 
   size_t length(const char* buffer) const { return static_cast<size_t>(at - buffer); }
 
@@ -39,8 +44,6 @@ class KeyWriter {
   char* at;
   int room;
 };
-
-size_t lengthOf(const CharString& text) { return static_cast<size_t>(text.length()); }
 
 const char* charsOrEmpty(const CharString& text) {
   const char* chars = text.chars();
@@ -109,18 +112,21 @@ struct ProgramAST::TypedSearch {
   }
 };
 
-// Writes the object's whole key into the typed map's buffer for new keys, and gives its length.
-int ProgramAST::_writeTypedKey(const ObjectAST& object) {
-  const size_t size = lengthOf(object.type) + 1 + lengthOf(object.name) + 1;
+// Writes a whole key into the typed map's buffer for new keys, and gives its length.
+size_t ProgramAST::_writeTypedKey(std::string_view type, std::string_view name) {
+  const size_t size = type.size() + 1 + name.size() + 1;
   if (size > static_cast<size_t>(INT_MAX)) throw std::bad_alloc();
   typedObjects._reserveKeyBuffers(size);
-  KeyWriter(typedObjects.newKeyBuffer, typedObjects.keyBufferSize).appendKeyOf(object);
-  return static_cast<int>(size) - 1;
+  KeyWriter(typedObjects.newKeyBuffer, typedObjects.keyBufferSize).appendKey(type, name);
+  return size - 1;
 }
 
 ProgramAST::Hashes ProgramAST::_hashesOf(const ObjectAST& object) {
-  const auto length = static_cast<size_t>(_writeTypedKey(object));
-  return {hashlittle(typedObjects.newKeyBuffer, length), ObjectMap::_hashOf(object.name.chars())};
+  const std::string_view name = viewOf(object.name);
+  const size_t length = _writeTypedKey(viewOf(object.type), name);
+  const uint32_t nameHash =
+      object.name.chars() != nullptr ? hashlittle(name.data(), name.size()) : 0;
+  return {hashlittle(typedObjects.newKeyBuffer, length), nameHash};
 }
 
 void ProgramAST::_fetchBuckets(Hashes hashes) const {
@@ -141,8 +147,8 @@ void ProgramAST::_fetchObjects(Hashes hashes) const {
 }
 
 auto ProgramAST::_searchTyped(const ObjectAST& object, uint32_t hash) -> TypedSearch {
-  const int length = _writeTypedKey(object);
-  const bool mayBeCut = length + 1 == typedObjects.keyBufferSize;
+  const size_t length = _writeTypedKey(viewOf(object.type), viewOf(object.name));
+  const bool mayBeCut = length + 1 == static_cast<size_t>(typedObjects.keyBufferSize);
   TypedSearch search{{typedObjects.entryKeyBuffer, typedObjects.keyBufferSize, mayBeCut},
                      typedObjects.newKeyBuffer,
                      hash,

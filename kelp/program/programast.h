@@ -1,6 +1,7 @@
 // ProgramAST: the root of a parsed scene, the table of its objects.
 #pragma once
 
+#include <string_view>
 #include <vector>
 
 #include "kelp/ast/objects.h"
@@ -98,7 +99,7 @@ class ProgramAST final : public AST {
  private:
   struct TypedSearch;
 
-  int _writeTypedKey(const ObjectAST& object);
+  size_t _writeTypedKey(std::string_view type, std::string_view name);
   TypedSearch _searchTyped(const ObjectAST& object, uint32_t hash);
   void _refuseDuringFilter(const char* operation) const;
   bool _isListed(const ObjectAST* object) const;
