@@ -13,7 +13,7 @@ namespace {
 // An absent text counts as empty.
 std::string_view viewOf(const CharString& text) {
   const char* chars = text.chars();
-  return chars != nullptr ? std::string_view(chars) : std::string_view();
+  return chars != nullptr ? chars : "";  // a view of null could not be copied from
 }
 
 // Appends to a key that may be cut: once it is full, nothing more fits.
