@@ -132,6 +132,11 @@ void addOutput(CLI::App& command, Options& options) {
       ->type_name("FILE");
 }
 
+CLI::Option* addFiles(CLI::App& command, Options& options, const char* description,
+                      bool needsFile) {
+  return command.add_option("FILE", options.files, description)->required(needsFile)->type_name("");
+}
+
 CLI::App* addCheck(CLI::App& app, Options& options) {
   CLI::App* check = app.add_subcommand("check", "Say whether scenes can be read");
   check->add_option("FILE", options.files, "Scenes; - is standard input")->type_name("");
@@ -150,9 +155,7 @@ CLI::App* addCheck(CLI::App& app, Options& options) {
 
 CLI::App* addDump(CLI::App& app, Options& options, bool needsFile) {
   CLI::App* dump = app.add_subcommand("dump", "Print the tree of a scene");
-  dump->add_option("FILE", options.files, "The scene; - is standard input")
-      ->required(needsFile)
-      ->type_name("");
+  addFiles(*dump, options, "The scene; - is standard input", needsFile);
   addChoice<Format>(*dump, "--format", "Form of the output",
                     {{"tree", Format::kTree}, {"json", Format::kJson}}, options.format);
   addOutput(*dump, options);
@@ -162,9 +165,7 @@ CLI::App* addDump(CLI::App& app, Options& options, bool needsFile) {
 
 CLI::App* addFormat(CLI::App& app, Options& options, bool needsFile) {
   CLI::App* format = app.add_subcommand("format", "Lay the text of scenes out, comments and all");
-  format->add_option("FILE", options.files, "Scenes; - is standard input")
-      ->required(needsFile)
-      ->type_name("");
+  addFiles(*format, options, "Scenes; - is standard input", needsFile);
   CLI::Option* check =
       format->add_flag("--check", options.checkOnly, "Only name the files that would change");
   CLI::Option* rewrite =
@@ -181,9 +182,7 @@ CLI::App* addFormat(CLI::App& app, Options& options, bool needsFile) {
 
 CLI::App* addList(CLI::App& app, Options& options, bool needsFile) {
   CLI::App* list = app.add_subcommand("list", "Print a table of the objects of a scene");
-  list->add_option("FILE", options.files, "The scene; - is standard input")
-      ->required(needsFile)
-      ->type_name("");
+  addFiles(*list, options, "The scene; - is standard input", needsFile);
   list->add_option("--type", options.typePattern, "Only objects of types like GLOB")
       ->type_name("GLOB");
   list->add_option("--name", options.namePattern, "Only objects of names like GLOB")
@@ -197,8 +196,7 @@ CLI::App* addList(CLI::App& app, Options& options, bool needsFile) {
 
 CLI::App* addShow(CLI::App& app, Options& options, bool needsFile) {
   CLI::App* show = app.add_subcommand("show", "Print an object or a property as scene text");
-  show->add_option("FILE", options.files, "The scene, - is standard input; and what to show of it")
-      ->required(needsFile)
+  addFiles(*show, options, "The scene, - is standard input; and what to show of it", needsFile)
       ->type_name("OBJECT[.PROPERTY]");
   addJson(*show, options);
   addOutput(*show, options);
@@ -209,9 +207,7 @@ CLI::App* addShow(CLI::App& app, Options& options, bool needsFile) {
 
 CLI::App* addStats(CLI::App& app, Options& options, bool needsFile) {
   CLI::App* stats = app.add_subcommand("stats", "Count what scenes hold");
-  stats->add_option("FILE", options.files, "Scenes; - is standard input")
-      ->required(needsFile)
-      ->type_name("");
+  addFiles(*stats, options, "Scenes; - is standard input", needsFile);
   addJson(*stats, options);
   addStreaming(*stats, options);
   addSceneOptions(*stats, options);

@@ -51,6 +51,22 @@ TEST(KeptHandles, TreeHoldsEveryTextAlone) {
   }
 }
 
+TEST(KeptHandles, NamesThatComeAgainShareOneBuffer) {
+  const ParsedScene scene("A a { x = b; } A b { x = b.x; y = b::v; }");
+  const ObjectAST& a = scene.object("a");
+  const ObjectAST& b = scene.object("b");
+  EXPECT_EQ(a.type.buffer, b.type.buffer);
+  EXPECT_EQ(a.type.buffer->referenceCount, 2) << "whoever reads the scene holds nothing behind it";
+  EXPECT_EQ(a.firstProperty->name.buffer, b.firstProperty->name.buffer);
+  const CharString& name = as<ObjectReferenceAST>(a.firstProperty->value).name;
+  EXPECT_EQ(name.buffer, as<PropertyReferenceAST>(b.firstProperty->value).objectName.buffer);
+  EXPECT_EQ(name.buffer, as<RuntimeValueAST>(b.findProperty("y")->value).objectName.buffer);
+  EXPECT_EQ(name.buffer->referenceCount, 3);
+  CharString written = a.type;
+  written.append("more");
+  EXPECT_STREQ(b.type.chars(), "A");
+}
+
 TEST(KeptHandles, OutliveTheSceneAndTheReuseOfItsNodes) {
   std::vector<CharString> kept;
   {
