@@ -31,7 +31,7 @@ constexpr double kTooShort = 0.0001;  // below this a time says nothing about gr
 constexpr double kMaxRatio = 2.3;     // memory gets slower the more there is of it
 constexpr int kRunsOfAProcess = 4;
 constexpr int kMaxRounds = 10;
-constexpr int kMoreDoublings = 2;
+constexpr int kMoreDoublings = 3;  // as many as there are levels of cache
 constexpr int kFewNames = 1000;
 constexpr int kManyNames = 100000;  // a square law would make each cost up to 100 times as much
 constexpr double kMaxNameRatio = 15;
@@ -130,7 +130,7 @@ void print(const GrowthCase& growth, const Measured& measured) {
 
 void measure(const GrowthCase& growth) {
   Measured measured = measureAt(growth, longEnoughNumber(growth));
-  // A cache that is outgrown costs once. What grows faster than in proportion costs at every
+  // Each cache that is outgrown costs once. What grows faster than in proportion costs at every
   // doubling, and more from one to the next.
   for (int i = 0; i < kMoreDoublings && !measured.good && !growth.whileCached; ++i) {
     measured = measureAt(growth, 2 * measured.n);
