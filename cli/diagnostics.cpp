@@ -43,12 +43,18 @@ void report(const Kelp::SceneError& error, Colour colour) {
   const char* red = coloured ? kRed : "";
   const char* green = coloured ? kGreen : "";
   const char* plain = coloured ? kPlain : "";
-  std::string text = fmt::format("{}: {}error:{} {}\n", withoutControls(error.position()), red,
-                                 plain, error.describe());
+  const std::string suggestion = error.suggestion();
+  const std::string hint =
+      suggestion.empty() ? "" : fmt::format("; did you mean \"{}\"?", suggestion);
+  std::string text = fmt::format("{}: {}error:{} {}{}\n", withoutControls(error.position()), red,
+                                 plain, error.describe(), hint);
   const std::string excerpt = error.excerpt();
   if (!excerpt.empty()) {
     const std::string_view upToCaret(excerpt.data(), excerpt.size() - 1);
     text += fmt::format("{}{}^{}\n", upToCaret, green, plain);
+  }
+  for (const auto& [file, line] : error.includedFrom) {
+    text += fmt::format("{}:{}: note: included from here\n", withoutControls(file), line);
   }
   print(text);
 }
