@@ -10,8 +10,9 @@ void Command::requireOneFile() const {
 
 std::vector<std::unique_ptr<Command>> allCommands() {
   std::vector<std::unique_ptr<Command>> commands;
-  for (const auto make : {checkCommand, dumpCommand, formatCommand, listCommand, showCommand,
-                          statsCommand, encodeCommand, decodeCommand}) {
+  for (const auto make :
+       {checkCommand, decodeCommand, diffCommand, dumpCommand, encodeCommand, filterCommand,
+        formatCommand, listCommand, mergeCommand, showCommand, statsCommand}) {
     commands.push_back(make());
   }
   return commands;

@@ -37,10 +37,13 @@ class Command {
 
 std::unique_ptr<Command> checkCommand();
 std::unique_ptr<Command> decodeCommand();
+std::unique_ptr<Command> diffCommand();
 std::unique_ptr<Command> dumpCommand();
 std::unique_ptr<Command> encodeCommand();
+std::unique_ptr<Command> filterCommand();
 std::unique_ptr<Command> formatCommand();
 std::unique_ptr<Command> listCommand();
+std::unique_ptr<Command> mergeCommand();
 std::unique_ptr<Command> showCommand();
 std::unique_ptr<Command> statsCommand();
 

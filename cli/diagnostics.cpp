@@ -15,12 +15,6 @@ constexpr const char* kRed = "\x1b[1;31m";
 constexpr const char* kGreen = "\x1b[1;32m";
 constexpr const char* kPlain = "\x1b[0m";
 
-bool wantsColours(Colour colour) {
-  if (colour != Colour::kAuto) return colour == Colour::kAlways;
-  const char* refused = std::getenv("NO_COLOR");
-  return (refused == nullptr || *refused == '\0') && ::isatty(STDERR_FILENO) != 0;
-}
-
 // Names of files come from anywhere: they must not steer the terminal.
 std::string withoutControls(std::string text) {
   for (char& c : text) {
@@ -34,12 +28,18 @@ void print(const std::string& text) { std::fwrite(text.data(), 1, text.size(), s
 
 }  // namespace
 
+bool wantsColours(Colour colour, int descriptor) {
+  if (colour != Colour::kAuto) return colour == Colour::kAlways;
+  const char* refused = std::getenv("NO_COLOR");
+  return (refused == nullptr || *refused == '\0') && ::isatty(descriptor) != 0;
+}
+
 void complain(std::string_view message) {
   print(fmt::format("kelp: {}\n", withoutControls(std::string(message))));
 }
 
 void report(const Kelp::SceneError& error, Colour colour) {
-  const bool coloured = wantsColours(colour);
+  const bool coloured = wantsColours(colour, STDERR_FILENO);
   const char* red = coloured ? kRed : "";
   const char* green = coloured ? kGreen : "";
   const char* plain = coloured ? kPlain : "";

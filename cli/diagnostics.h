@@ -9,6 +9,9 @@
 
 namespace KelpCli {
 
+/// Whether what goes to that descriptor is to be coloured: terminals are, unless NO_COLOR is set.
+bool wantsColours(Colour colour, int descriptor);
+
 /// "kelp: message" on a line of its own.
 void complain(std::string_view message);
 

@@ -42,9 +42,7 @@ class HexCommand final : public Command {
   ExitCode run() override {
     const std::string& file = options.files.front();
     Output output(options.output);
-    Kelp::SceneTextWriter writer([&output](std::string_view piece) {
-      output.stream().write(piece.data(), static_cast<std::streamsize>(piece.size()));
-    });
+    Kelp::SceneTextWriter writer(output.textSink());
     writer.constants = constants;
     const Kelp::SceneError error = rewrite(file, writer);
     if (error.kind != Kelp::SceneError::Kind::kNone) {

@@ -58,6 +58,10 @@ class SceneTextWriter {
   /// Objects that the last filter rejected are written like the others, if this is not set.
   bool leaveOutFiltered = false;
 
+  /// All assignments of a property are written, if this is not set; else, in each object, only the
+  /// last one of every name.
+  bool leaveOutOverridden = false;
+
   /// Lists and transforms that are constant read back to the same bits in either form, but for the
   /// not-a-numbers that no literal reaches. A Transform becomes a TransformHex only when all it
   /// holds are numbers that come back the same, to the last bit of a double, when that is decoded.
