@@ -58,7 +58,6 @@ std::optional<float> constantOf(ExpressionAST* value) {
   if (number == nullptr) return std::nullopt;
   const auto rounded = static_cast<float>(number->value);
   const NumberLiteral literal(rounded);
-  if (literal.view()[0] == '-') return std::nullopt;
   const double read = TreeParser::parseNum(literal.view().data());
   if (std::bit_cast<uint64_t>(read) != std::bit_cast<uint64_t>(number->value)) return std::nullopt;
   return negated != nullptr ? -rounded : rounded;

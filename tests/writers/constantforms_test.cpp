@@ -167,6 +167,19 @@ TEST(ConstantForms, TransformThatDecodingWouldChangeStaysAsItIs) {
   }
 }
 
+// No text gives it: the sign of a not-a-number is the one that reading 0e309 gives.
+TEST(ConstantForms, TransformWithANotANumberOfAnotherSignStaysAsItIs) {
+  const ParsedExpression parsed(transformWith("0e309"));
+  auto& matrix = as<MatrixExpressionAST>(as<TransformExpressionAST>(parsed.tree.get()).matrix);
+  auto& row = as<VectorExpressionAST>(matrix.rows[1]);
+  auto& number = as<NumberExpressionAST>(row.components[1]);
+  ASSERT_TRUE(isHex(written(*parsed.tree.get(), ConstantForm::kHexadecimal).text));
+  number.value = std::copysign(number.value, std::signbit(number.value) ? 1.0 : -1.0);
+  const Written other = written(*parsed.tree.get(), ConstantForm::kHexadecimal);
+  EXPECT_FALSE(isHex(other.text));
+  EXPECT_EQ(other.approximated, 1);
+}
+
 TEST(ConstantForms, TransformLiesInItsLinesAsFormattingLaysIt) {
   std::string numbers;
   for (int i = 0; i < 12; ++i) numbers += "db0f49c0";  // -pi
