@@ -36,9 +36,10 @@ Byte digitOf(char character) {
 }
 
 // Texts have the lowest byte first.
-void turnToHostOrder(Byte (&bytes)[kBlock / 2]) {
-  if constexpr (std::endian::native == std::endian::little) return;
-  for (size_t i = 0; i < sizeof bytes; i += 4) std::reverse(bytes + i, bytes + i + 4);
+void turnToHostOrder([[maybe_unused]] Byte (&bytes)[kBlock / 2]) {
+  if constexpr (std::endian::native == std::endian::big) {
+    for (size_t i = 0; i < sizeof bytes; i += 4) std::reverse(bytes + i, bytes + i + 4);
+  }
 }
 
 // Steps of one kind each, all of them of a known length. False when not all are digits.
