@@ -11,7 +11,7 @@
 #include <string>
 
 #include "kelp/parser/treeparser.h"
-#include "kelp/writers/statistics.h"
+#include "kelp/queries/statistics.h"
 #include "kelp/writers/treelisting.h"
 
 namespace KelpBench {

@@ -1,18 +1,19 @@
 // kelp check: can these scenes be read?
 #include <fmt/format.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 
-#include "cli/commands.h"
+#include "cli/command.h"
 #include "cli/diagnostics.h"
 #include "cli/filenames.h"
 #include "cli/input.h"
 #include "cli/jsonwriter.h"
 #include "cli/objects.h"
 #include "cli/output.h"
+#include "kelp/queries/statistics.h"
 #include "kelp/source/sourcesreader.h"
 #include "kelp/utils/exceptions.h"
-#include "kelp/writers/statistics.h"
 
 namespace KelpCli {
 
@@ -41,20 +42,19 @@ void setTime(Figures& figures, int64_t bytes, double seconds) {
   figures.megabytesPerSecond = static_cast<double>(bytes) / kMegabyte / figures.seconds;
 }
 
-Checked checkWhole(const std::string& file, const Options& options) {
+Checked checkWhole(const std::string& file, const Options& options, bool counts) {
   Checked checked;
   const Input input = readScene(file, options.scene);
   checked.error = input.error;
-  if (input.good() && (options.stats || options.json)) {
+  if (input.good() && counts) {
     checked.figures.held = Kelp::countProgram(*input.scene->program());
     setTime(checked.figures, input.scene->reader().bytesRead(), input.seconds);
   }
   return checked;
 }
 
-Checked checkStream(const std::string& file, const Options& options) {
+Checked checkStream(const std::string& file, const Options& options, bool counts) {
   Checked checked;
-  const bool counts = options.stats || options.json;
   const StreamedInput input = streamScene(file, options.scene, [&](const Kelp::ObjectAST& object) {
     if (counts) Kelp::countObject(object, checked.figures.held);
     return Kelp::ObjectFate::kDrop;
@@ -64,8 +64,9 @@ Checked checkStream(const std::string& file, const Options& options) {
   return checked;
 }
 
-Checked check(const std::string& file, const Options& options) {
-  return isStreamed(file, options) ? checkStream(file, options) : checkWhole(file, options);
+Checked check(const std::string& file, const Options& options, bool counts) {
+  return isStreamed(file, options) ? checkStream(file, options, counts)
+                                   : checkWhole(file, options, counts);
 }
 
 std::string statsLine(const std::string& name, const Figures& figures) {
@@ -116,18 +117,18 @@ void writeJson(JsonWriter& json, const std::string& name, const Checked& checked
   json.newLine();
 }
 
-ExitCode checkFiles(const Options& options, Output& output) {
+ExitCode checkFiles(const Options& options, bool stats, Output& output) {
   JsonWriter json(output.stream());
   ExitCode worst = kGood;
   FileNames names(options);
   while (const std::optional<std::string> file = names.next()) {
-    const Checked checked = check(*file, options);
+    const Checked checked = check(*file, options, stats || options.json);
     worst = std::max(worst, exitCodeOf(checked.error));
     if (options.json) {
       writeJson(json, shownName(*file), checked);
     } else if (!checked.good()) {
       report(checked.error, options.colour);
-    } else if (options.stats) {
+    } else if (stats) {
       output.stream() << statsLine(shownName(*file), checked.figures);
     }
     // What goes to the two outputs stays in order, and results of long runs are seen early.
@@ -136,13 +137,33 @@ ExitCode checkFiles(const Options& options, Output& output) {
   return worst;
 }
 
+class CheckCommand final : public Command {
+ public:
+  CheckCommand() : Command("check", "Say whether scenes can be read") {}
+
+  void declare(CLI::App& app) override {
+    addFiles(app, options, "Scenes; - is standard input");
+    addFilesFrom(app, options);
+    addStreaming(app, options);
+    app.add_flag("--stats", stats, "Print what every scene holds and how fast it is read");
+    addJson(app, options);
+    addSceneOptions(app, options);
+    app.footer(kExitCodes);
+  }
+
+  ExitCode run() override {
+    Output output;
+    const ExitCode worst = checkFiles(options, stats, output);
+    output.finish();
+    return worst;
+  }
+
+ private:
+  bool stats = false;
+};
+
 }  // namespace
 
-ExitCode runCheck(const Options& options) {
-  Output output;
-  const ExitCode worst = checkFiles(options, output);
-  output.finish();
-  return worst;
-}
+std::unique_ptr<Command> checkCommand() { return std::make_unique<CheckCommand>(); }
 
 }  // namespace KelpCli

@@ -1,5 +1,7 @@
 // kelp dump: the tree of a scene.
-#include "cli/commands.h"
+#include <CLI/CLI.hpp>
+
+#include "cli/command.h"
 #include "cli/diagnostics.h"
 #include "cli/input.h"
 #include "cli/output.h"
@@ -8,21 +10,46 @@
 
 namespace KelpCli {
 
-ExitCode runDump(const Options& options) {
-  const std::string& file = options.files.front();
-  const Input input = readScene(file, options.scene);
-  if (!input.good()) {
-    report(input.error, options.colour);
-    return exitCodeOf(input.error);
+namespace {
+
+class DumpCommand final : public Command {
+ public:
+  DumpCommand() : Command("dump", "Print the tree of a scene") {}
+
+  void declare(CLI::App& app) override {
+    addFiles(app, options, "The scene; - is standard input");
+    addChoice(app, "--format", "Form of the output", {"tree", "json"},
+              [this](size_t i) { asJson = i == 1; });
+    addOutput(app, options);
+    addSceneOptions(app, options);
+    app.footer(kExitCodes);
   }
-  Output output(options.output);
-  if (options.format == Format::kJson) {
-    writeTreeJson(output.stream(), shownName(file), *input.scene->program());
-  } else {
-    Kelp::writeTreeListing(output.stream(), *input.scene->program());
+
+  void check() override { requireOneFile(); }
+
+  ExitCode run() override {
+    const std::string& file = options.files.front();
+    const Input input = readScene(file, options.scene);
+    if (!input.good()) {
+      report(input.error, options.colour);
+      return exitCodeOf(input.error);
+    }
+    Output output(options.output);
+    if (asJson) {
+      writeTreeJson(output.stream(), shownName(file), *input.scene->program());
+    } else {
+      Kelp::writeTreeListing(output.stream(), *input.scene->program());
+    }
+    output.finish();
+    return kGood;
   }
-  output.finish();
-  return kGood;
-}
+
+ private:
+  bool asJson = false;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> dumpCommand() { return std::make_unique<DumpCommand>(); }
 
 }  // namespace KelpCli

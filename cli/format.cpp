@@ -1,10 +1,11 @@
 // kelp format: the text of scenes in its canonical layout.
 #include <fmt/format.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 
-#include "cli/commands.h"
+#include "cli/command.h"
 #include "cli/diagnostics.h"
 #include "cli/input.h"
 #include "cli/output.h"
@@ -54,37 +55,74 @@ ExitCode rewrite(const std::string& file, std::string_view text) {
   return kGood;
 }
 
-ExitCode formatFile(const std::string& file, const Options& options, Output& output) {
-  std::string text;
-  Input input = readScene(file, options.scene, &text);
-  if (!input.good()) {
-    report(input.error, options.colour);
-    return exitCodeOf(input.error);
+class FormatCommand final : public Command {
+ public:
+  FormatCommand() : Command("format", "Lay the text of scenes out, comments and all") {}
+
+  void declare(CLI::App& app) override {
+    addFiles(app, options, "Scenes; - is standard input");
+    CLI::Option* check =
+        app.add_flag("--check", checkOnly, "Only name the files that would change");
+    CLI::Option* write =
+        app.add_flag("-w,--write", rewrites, "Write to the files that change themselves");
+    CLI::Option* output =
+        app.add_option("-o,--output", options.output, "Write to FILE, when all is well");
+    output->type_name("FILE");
+    write->excludes(check);
+    output->excludes(check)->excludes(write);
+    addReadingOptions(app, options);
+    app.footer(
+        "Exit codes: 0 all scenes are good, 1 a scene is not or, with --check, would change, 2 a "
+        "file\ncannot be read or written or the usage is wrong.");
   }
-  input.scene.reset();  // the tree is not needed any more
-  if (options.rewrite) return rewrite(file, text);
-  if (!options.checkOnly) {
-    writeFormatted(text, output);
-    return kGood;
+
+  void check() override {
+    const std::vector<std::string>& files = options.files;
+    if (!options.output.empty() && files.size() != 1) {
+      throw UsageError{"format takes one FILE only with --output"};
+    }
+    const bool standardInput = std::find(files.begin(), files.end(), "-") != files.end();
+    if (rewrites && standardInput) throw UsageError{"standard input cannot be rewritten"};
   }
-  if (isFormatted(text)) return kGood;
-  output.stream() << shownName(file) << '\n';
-  return kInvalid;
-}
+
+  ExitCode run() override {
+    Output output(options.output);
+    ExitCode worst = kGood;
+    for (const std::string& file : options.files) {
+      worst = std::max(worst, formatFile(file, output));
+      // What goes to the two outputs stays in order, and results of long runs are seen early.
+      output.flush();
+    }
+    const bool incomplete = worst != kGood && !options.output.empty();
+    if (!incomplete) output.finish();
+    return worst;
+  }
+
+ private:
+  ExitCode formatFile(const std::string& file, Output& output) {
+    std::string text;
+    Input input = readScene(file, options.scene, &text);
+    if (!input.good()) {
+      report(input.error, options.colour);
+      return exitCodeOf(input.error);
+    }
+    input.scene.reset();  // the tree is not needed any more
+    if (rewrites) return rewrite(file, text);
+    if (!checkOnly) {
+      writeFormatted(text, output);
+      return kGood;
+    }
+    if (isFormatted(text)) return kGood;
+    output.stream() << shownName(file) << '\n';
+    return kInvalid;
+  }
+
+  bool checkOnly = false;  // name the files that would change
+  bool rewrites = false;   // write to the files themselves
+};
 
 }  // namespace
 
-ExitCode runFormat(const Options& options) {
-  Output output(options.output);
-  ExitCode worst = kGood;
-  for (const std::string& file : options.files) {
-    worst = std::max(worst, formatFile(file, options, output));
-    // What goes to the two outputs stays in order, and results of long runs are seen early.
-    output.flush();
-  }
-  const bool incomplete = worst != kGood && !options.output.empty();
-  if (!incomplete) output.finish();
-  return worst;
-}
+std::unique_ptr<Command> formatCommand() { return std::make_unique<FormatCommand>(); }
 
 }  // namespace KelpCli

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <string>
 
+#include "kelp/ast/treetext.h"
 #include "kelp/writers/numbertext.h"
-#include "kelp/writers/treetext.h"
 
 namespace KelpCli {
 

@@ -1,11 +1,12 @@
 // kelp list: the objects of a scene as a table.
 #include <fmt/format.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <vector>
 
-#include "cli/commands.h"
+#include "cli/command.h"
 #include "cli/diagnostics.h"
 #include "cli/jsonwriter.h"
 #include "cli/objects.h"
@@ -98,31 +99,54 @@ class Table {
   bool isSettled = false;
 };
 
+class ListCommand final : public Command {
+ public:
+  ListCommand() : Command("list", "Print a table of the objects of a scene") {}
+
+  void declare(CLI::App& app) override {
+    addFiles(app, options, "The scene; - is standard input");
+    app.add_option("--type", typePattern, "Only objects of types like GLOB")->type_name("GLOB");
+    app.add_option("--name", namePattern, "Only objects of names like GLOB")->type_name("GLOB");
+    addJson(app, options);
+    addOutput(app, options);
+    addStreaming(app, options);
+    addSceneOptions(app, options);
+    app.footer(kExitCodes);
+  }
+
+  void check() override { requireOneFile(); }
+
+  ExitCode run() override {
+    Output output(options.output);
+    JsonWriter json(output.stream());
+    Table table(output.stream());
+    const auto show = [&](const Kelp::ObjectAST& object) {
+      if (!matches(typePattern, object.type) || !matches(namePattern, object.name)) return;
+      const Row row(object);
+      if (options.json) {
+        row.write(json);
+      } else {
+        table.add(row);
+      }
+    };
+    const Kelp::SceneError error = forEachObject(options.files.front(), options, show);
+    if (!options.json) table.finish();
+    if (error.kind == Kelp::SceneError::Kind::kNone) {
+      output.finish();
+      return kGood;
+    }
+    if (options.output.empty()) output.flush();  // what was found before the error
+    report(error, options.colour);
+    return exitCodeOf(error);
+  }
+
+ private:
+  std::string typePattern;  // of the shell; empty: all
+  std::string namePattern;
+};
+
 }  // namespace
 
-ExitCode runList(const Options& options) {
-  Output output(options.output);
-  JsonWriter json(output.stream());
-  Table table(output.stream());
-  const auto show = [&](const Kelp::ObjectAST& object) {
-    if (!matches(options.typePattern, object.type)) return;
-    if (!matches(options.namePattern, object.name)) return;
-    const Row row(object);
-    if (options.json) {
-      row.write(json);
-    } else {
-      table.add(row);
-    }
-  };
-  const Kelp::SceneError error = forEachObject(options.files.front(), options, show);
-  if (!options.json) table.finish();
-  if (error.kind == Kelp::SceneError::Kind::kNone) {
-    output.finish();
-    return kGood;
-  }
-  if (options.output.empty()) output.flush();  // what was found before the error
-  report(error, options.colour);
-  return exitCodeOf(error);
-}
+std::unique_ptr<Command> listCommand() { return std::make_unique<ListCommand>(); }
 
 }  // namespace KelpCli

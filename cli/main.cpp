@@ -4,7 +4,7 @@
 #include <exception>
 #include <new>
 
-#include "cli/commands.h"
+#include "cli/commandline.h"
 #include "cli/diagnostics.h"
 #include "cli/output.h"
 #include "kelp/utils/exceptions.h"
@@ -21,24 +21,8 @@ ExitCode showText(const std::string& text) {
 }
 
 ExitCode run(int argc, const char* const* argv) {
-  const Options options = parseOptions(argc, argv);
-  switch (options.command) {
-    case Command::kCheck:
-      return runCheck(options);
-    case Command::kDump:
-      return runDump(options);
-    case Command::kFormat:
-      return runFormat(options);
-    case Command::kList:
-      return runList(options);
-    case Command::kShow:
-      return runShow(options);
-    case Command::kStats:
-      return runStats(options);
-    case Command::kShowText:
-      break;
-  }
-  return showText(options.text);
+  const CommandLine line = parseCommandLine(argc, argv);
+  return line.command != nullptr ? line.command->run() : showText(line.text);
 }
 
 ExitCode runReportingFailures(int argc, const char* const* argv) {

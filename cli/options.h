@@ -1,49 +1,57 @@
-// The command line of the program.
+// Options that several commands share.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "kelp/scene.h"
 
+namespace CLI {
+class App;
+}
+
 namespace KelpCli {
 
-enum class Command { kCheck, kDump, kFormat, kList, kShow, kStats, kShowText };
-enum class Format { kTree, kJson };
 enum class Streaming { kAuto, kAlways, kNever };
 enum class Colour { kAuto, kAlways, kNever };
 
 struct Options {
-  Command command = Command::kShowText;
-  std::string text;  ///< for kShowText: the help or the version
-
   Kelp::SceneOptions scene;
   std::vector<std::string> files;  ///< "-" is standard input
   Colour colour = Colour::kAuto;
-
-  bool stats = false;         ///< check
-  bool json = false;          ///< check, list, show, stats
-  std::string filesFrom;      ///< check; a list of more files, "-" is standard input; empty: none
-  bool nulSeparated = false;  ///< check; the names in that list end in NUL, not at the line's end
-  Streaming streaming = Streaming::kAuto;  ///< check, list, show, stats
-
-  Format format = Format::kTree;  ///< dump
-  std::string output;             ///< dump, format, list, show; empty: standard output
-
-  bool checkOnly = false;  ///< format: name the files that would change
-  bool rewrite = false;    ///< format: write to the files themselves
-
-  std::string typePattern;  ///< list; a pattern of the shell, empty: all
-  std::string namePattern;  ///< list
-  std::string object;       ///< show; OBJECT or OBJECT.PROPERTY
+  bool json = false;
+  std::string output;         ///< empty: standard output
+  std::string filesFrom;      ///< a list of more files, "-" is standard input; empty: none
+  bool nulSeparated = false;  ///< the names in that list end in NUL, not at the line's end
+  Streaming streaming = Streaming::kAuto;
 };
+
+/// For the end of a command's help.
+constexpr const char* kExitCodes =
+    "Exit codes: 0 all scenes are good, 1 a scene is not, 2 a file cannot be read or written or\n"
+    "the usage is wrong.";
 
 /// The command line makes no sense.
 struct UsageError {
   std::string message;
 };
 
-/// Throws UsageError.
-Options parseOptions(int argc, const char* const* argv);
+void addFiles(CLI::App& command, Options& options, const char* description, const char* type = "");
+void addFilesFrom(CLI::App& command, Options& options);
+void addJson(CLI::App& command, Options& options);
+void addOutput(CLI::App& command, Options& options);
+void addStreaming(CLI::App& command, Options& options);
+
+/// What every command needs to read scenes: include paths, limits, colours.
+void addReadingOptions(CLI::App& command, Options& options);
+
+/// The former, affixes and frames.
+void addSceneOptions(CLI::App& command, Options& options);
+
+/// An option that takes one of a few words; the first of them is the default. `set` gets the place
+/// of the word that was chosen.
+void addChoice(CLI::App& command, const std::string& name, const std::string& description,
+               const std::vector<std::string>& words, const std::function<void(size_t)>& set);
 
 }  // namespace KelpCli

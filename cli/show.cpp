@@ -1,7 +1,9 @@
 // kelp show: one object, or one of its properties, as scene text.
 #include <fmt/format.h>
 
-#include "cli/commands.h"
+#include <CLI/CLI.hpp>
+
+#include "cli/command.h"
 #include "cli/diagnostics.h"
 #include "cli/objects.h"
 #include "cli/output.h"
@@ -70,28 +72,60 @@ class Shower {
   bool any = false;
 };
 
+class ShowCommand final : public Command {
+ public:
+  ShowCommand() : Command("show", "Print an object or a property as scene text") {}
+
+  void declare(CLI::App& app) override {
+    addFiles(app, options, "The scene, - is standard input; and what to show of it",
+             "OBJECT[.PROPERTY]");
+    addJson(app, options);
+    addOutput(app, options);
+    addStreaming(app, options);
+    addSceneOptions(app, options);
+    app.footer(kExitCodes);
+  }
+
+  void check() override {
+    if (options.files.size() != 2) throw UsageError{"show takes FILE and OBJECT[.PROPERTY]"};
+    object = options.files.back();
+    options.files.pop_back();
+  }
+
+  ExitCode run() override {
+    try {
+      return show();
+    } catch (const Kelp::NotWritableException& failure) {  // a name that an affix has spoilt
+      complain(failure.message.chars());
+      return kInvalid;
+    }
+  }
+
+ private:
+  ExitCode show() const {
+    const std::string& file = options.files.front();
+    const Wanted wanted(object);
+    Output output(options.output);
+    Shower shower(wanted, options.json, output.stream());
+    const Kelp::SceneError error =
+        forEachObject(file, options, [&shower](const Kelp::ObjectAST& each) { shower.see(each); });
+    if (error.kind != Kelp::SceneError::Kind::kNone) {
+      report(error, options.colour);
+      return exitCodeOf(error);
+    }
+    if (const std::string complaint = shower.complaint(); !complaint.empty()) {
+      complain(fmt::format("{}: {}; kelp list names all objects", file, complaint));
+      return kInvalid;
+    }
+    output.finish();
+    return kGood;
+  }
+
+  std::string object;  // OBJECT or OBJECT.PROPERTY
+};
+
 }  // namespace
 
-ExitCode runShow(const Options& options) try {
-  const std::string& file = options.files.front();
-  const Wanted wanted(options.object);
-  Output output(options.output);
-  Shower shower(wanted, options.json, output.stream());
-  const Kelp::SceneError error = forEachObject(
-      file, options, [&shower](const Kelp::ObjectAST& object) { shower.see(object); });
-  if (error.kind != Kelp::SceneError::Kind::kNone) {
-    report(error, options.colour);
-    return exitCodeOf(error);
-  }
-  if (const std::string complaint = shower.complaint(); !complaint.empty()) {
-    complain(fmt::format("{}: {}; kelp list names all objects", file, complaint));
-    return kInvalid;
-  }
-  output.finish();
-  return kGood;
-} catch (const Kelp::NotWritableException& failure) {  // a name that an affix has spoilt
-  complain(failure.message.chars());
-  return kInvalid;
-}
+std::unique_ptr<Command> showCommand() { return std::make_unique<ShowCommand>(); }
 
 }  // namespace KelpCli

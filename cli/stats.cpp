@@ -2,17 +2,18 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <utility>
 #include <vector>
 
-#include "cli/commands.h"
+#include "cli/command.h"
 #include "cli/diagnostics.h"
 #include "cli/input.h"
 #include "cli/jsonwriter.h"
 #include "cli/objects.h"
 #include "cli/output.h"
-#include "kelp/writers/inventory.h"
+#include "kelp/queries/inventory.h"
 
 namespace KelpCli {
 
@@ -122,16 +123,31 @@ ExitCode count(const std::string& file, const Options& options, Output& output) 
   return exitCodeOf(error);
 }
 
+class StatsCommand final : public Command {
+ public:
+  StatsCommand() : Command("stats", "Count what scenes hold") {}
+
+  void declare(CLI::App& app) override {
+    addFiles(app, options, "Scenes; - is standard input");
+    addJson(app, options);
+    addStreaming(app, options);
+    addSceneOptions(app, options);
+    app.footer(kExitCodes);
+  }
+
+  ExitCode run() override {
+    Output output;
+    ExitCode worst = kGood;
+    for (const std::string& file : options.files) {
+      worst = std::max(worst, count(file, options, output));
+    }
+    output.finish();
+    return worst;
+  }
+};
+
 }  // namespace
 
-ExitCode runStats(const Options& options) {
-  Output output;
-  ExitCode worst = kGood;
-  for (const std::string& file : options.files) {
-    worst = std::max(worst, count(file, options, output));
-  }
-  output.finish();
-  return worst;
-}
+std::unique_ptr<Command> statsCommand() { return std::make_unique<StatsCommand>(); }
 
 }  // namespace KelpCli

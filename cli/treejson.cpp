@@ -3,8 +3,8 @@
 #include <initializer_list>
 
 #include "cli/jsonwriter.h"
+#include "kelp/ast/treetext.h"
 #include "kelp/ast/visitor.h"
-#include "kelp/writers/treetext.h"
 #include "kelp/writers/workstack.h"
 
 namespace KelpCli {

@@ -2,8 +2,8 @@
 
 #include <ostream>
 
+#include "kelp/ast/treetext.h"
 #include "kelp/sceneparts.h"
-#include "kelp/writers/treetext.h"
 
 namespace Kelp {
 

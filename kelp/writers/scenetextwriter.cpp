@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "kelp/writers/treetext.h"
+#include "kelp/ast/treetext.h"
 #include "kelp/writers/valuewriter.h"
 
 namespace Kelp {

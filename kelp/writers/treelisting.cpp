@@ -3,9 +3,9 @@
 #include <ostream>
 #include <string>
 
+#include "kelp/ast/treetext.h"
 #include "kelp/ast/visitor.h"
 #include "kelp/writers/numbertext.h"
-#include "kelp/writers/treetext.h"
 #include "kelp/writers/workstack.h"
 
 namespace Kelp {

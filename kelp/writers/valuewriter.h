@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "kelp/ast/objects.h"
+#include "kelp/ast/treetext.h"
 #include "kelp/ast/visitor.h"
 #include "kelp/writers/linefiller.h"
-#include "kelp/writers/treetext.h"
 #include "kelp/writers/workstack.h"
 
 namespace Kelp {

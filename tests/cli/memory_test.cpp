@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "cli/commands.h"
+#include "cli/command.h"
 #include "cli/diagnostics.h"
 #include "cli/input.h"
 #include "tests/support/allocations.h"
@@ -38,8 +38,8 @@ TEST(Memory, SceneThatDoesNotFitIsReportedWhereverMemoryRunsOut) {
 }
 
 TEST(Memory, OutputFileIsWholeOrAbsentWhereverMemoryRunsOut) {
-  KelpCli::Options options;
-  options.command = KelpCli::Command::kDump;
+  const std::unique_ptr<KelpCli::Command> dump = KelpCli::dumpCommand();
+  KelpCli::Options& options = dump->options;
   options.files = {kScene};
   options.output = testing::TempDir() + "kelp_memory_test_output";
   const char* path = options.output.c_str();
@@ -51,7 +51,7 @@ TEST(Memory, OutputFileIsWholeOrAbsentWhereverMemoryRunsOut) {
     {
       const KelpTest::FailingAllocation failing(n);
       try {
-        code = KelpCli::runDump(options);
+        code = dump->run();
       } catch (const std::bad_alloc&) {
       }
       failed = failing.hasFailed();

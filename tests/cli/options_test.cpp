@@ -1,7 +1,6 @@
-#include "cli/options.h"
-
 #include <gtest/gtest.h>
 
+#include "cli/commandline.h"
 #include "tests/cli/program.h"
 
 using KelpTest::Outcome;
@@ -93,9 +92,10 @@ TEST_F(Usage, HelpThatCannotBeWrittenIsAFailure) {
 TEST(Options, CommandLineFillsTheSceneOptions) {
   const char* arguments[] = {"kelp", "check",    "-I", "one",      "a",   "--include", "two",
                              "b",    "--suffix", "s",  "--frames", "1:2", "--json"};
-  const KelpCli::Options options =
-      KelpCli::parseOptions(static_cast<int>(std::size(arguments)), arguments);
-  EXPECT_EQ(options.command, KelpCli::Command::kCheck);
+  const KelpCli::CommandLine line =
+      KelpCli::parseCommandLine(static_cast<int>(std::size(arguments)), arguments);
+  EXPECT_STREQ(line.command->name, "check");
+  const KelpCli::Options& options = line.command->options;
   EXPECT_EQ(options.files, (std::vector<std::string>{"a", "b"}));
   EXPECT_EQ(options.scene.includePaths, (std::vector<std::string>{"one", "two"}));
   EXPECT_EQ(options.scene.nameAffix, "s");
@@ -103,5 +103,4 @@ TEST(Options, CommandLineFillsTheSceneOptions) {
   EXPECT_EQ(options.scene.firstFrame, 1.0);
   EXPECT_EQ(options.scene.lastFrame, 2.0);
   EXPECT_TRUE(options.json);
-  EXPECT_FALSE(options.stats);
 }

@@ -19,7 +19,7 @@
 #include <vector>
 
 #include "kelp/parser/treeparser.h"
-#include "kelp/writers/statistics.h"
+#include "kelp/queries/statistics.h"
 #include "kelp/writers/treelisting.h"
 #include "tests/support/buildkind.h"
 

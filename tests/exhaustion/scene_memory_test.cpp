@@ -8,9 +8,9 @@
 #include <string>
 #include <string_view>
 
+#include "kelp/queries/statistics.h"
 #include "kelp/scene.h"
 #include "kelp/source/filebytes.h"
-#include "kelp/writers/statistics.h"
 #include "kelp/writers/treelisting.h"
 #include "tests/exhaustion/parsing.h"
 #include "tests/support/sexpression.h"

@@ -19,8 +19,8 @@
 #include <string>
 #include <thread>
 
+#include "kelp/queries/statistics.h"
 #include "kelp/scene.h"
-#include "kelp/writers/statistics.h"
 #include "kelp/writers/treelisting.h"
 #include "tests/support/figures.h"
 #include "tests/support/filters.h"

@@ -7,8 +7,8 @@
 #include <memory>
 #include <string>
 
+#include "kelp/queries/statistics.h"
 #include "kelp/scene.h"
-#include "kelp/writers/statistics.h"
 #include "tests/support/sexpression.h"
 
 using namespace Kelp;

@@ -1,4 +1,4 @@
-#include "kelp/writers/statistics.h"
+#include "kelp/queries/statistics.h"
 
 #include <gtest/gtest.h>
 

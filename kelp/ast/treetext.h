@@ -1,4 +1,4 @@
-// What all writers of a tree need to know about its texts and its chains of operators.
+// What all who look at a tree need to know about its texts and its chains of operators.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "kelp/writers/inventory.h"
+#include "kelp/queries/inventory.h"
 
 #include <algorithm>
 

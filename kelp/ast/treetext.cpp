@@ -1,4 +1,4 @@
-#include "kelp/writers/treetext.h"
+#include "kelp/ast/treetext.h"
 
 namespace Kelp {
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "kelp/writers/treetext.h"
+#include "kelp/ast/treetext.h"
 
 using Kelp::leadingCharacter;
 
