@@ -13,15 +13,16 @@ namespace {
 
 constexpr const char* kRed = "\x1b[1;31m";
 constexpr const char* kGreen = "\x1b[1;32m";
+constexpr const char* kMagenta = "\x1b[1;35m";
 constexpr const char* kPlain = "\x1b[0m";
 
-bool wantsColours(Colour colour) {
+bool wantsColours(Colour colour, int descriptor) {
   if (colour != Colour::kAuto) return colour == Colour::kAlways;
   const char* refused = std::getenv("NO_COLOR");
-  return (refused == nullptr || *refused == '\0') && ::isatty(STDERR_FILENO) != 0;
+  return (refused == nullptr || *refused == '\0') && ::isatty(descriptor) != 0;
 }
 
-// Names of files come from anywhere: they must not steer the terminal.
+// Names come from anywhere: they must not steer the terminal.
 std::string withoutControls(std::string text) {
   for (char& c : text) {
     if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '?';
@@ -39,7 +40,7 @@ void complain(std::string_view message) {
 }
 
 void report(const Kelp::SceneError& error, Colour colour) {
-  const bool coloured = wantsColours(colour);
+  const bool coloured = wantsColours(colour, STDERR_FILENO);
   const char* red = coloured ? kRed : "";
   const char* green = coloured ? kGreen : "";
   const char* plain = coloured ? kPlain : "";
@@ -51,6 +52,13 @@ void report(const Kelp::SceneError& error, Colour colour) {
     text += fmt::format("{}{}^{}\n", upToCaret, green, plain);
   }
   print(text);
+}
+
+std::string warningLine(const std::string& place, const std::string& message, std::string_view code,
+                        Colour colour) {
+  const bool coloured = wantsColours(colour, STDOUT_FILENO);
+  return fmt::format("{}: {}warning:{} {} [{}]\n", withoutControls(place), coloured ? kMagenta : "",
+                     coloured ? kPlain : "", withoutControls(message), code);
 }
 
 ExitCode exitCodeOf(const Kelp::SceneError& error) {
