@@ -10,8 +10,9 @@ void Command::requireOneFile() const {
 
 std::vector<std::unique_ptr<Command>> allCommands() {
   std::vector<std::unique_ptr<Command>> commands;
-  for (const auto make : {checkCommand, dumpCommand, formatCommand, graphCommand, lintCommand,
-                          listCommand, showCommand, statsCommand}) {
+  for (const auto make :
+       {checkCommand, diffCommand, dumpCommand, filterCommand, formatCommand, graphCommand,
+        lintCommand, listCommand, mergeCommand, showCommand, statsCommand}) {
     commands.push_back(make());
   }
   return commands;

@@ -16,12 +16,6 @@ constexpr const char* kGreen = "\x1b[1;32m";
 constexpr const char* kMagenta = "\x1b[1;35m";
 constexpr const char* kPlain = "\x1b[0m";
 
-bool wantsColours(Colour colour, int descriptor) {
-  if (colour != Colour::kAuto) return colour == Colour::kAlways;
-  const char* refused = std::getenv("NO_COLOR");
-  return (refused == nullptr || *refused == '\0') && ::isatty(descriptor) != 0;
-}
-
 // Names come from anywhere: they must not steer the terminal.
 std::string withoutControls(std::string text) {
   for (char& c : text) {
@@ -34,6 +28,12 @@ std::string withoutControls(std::string text) {
 void print(const std::string& text) { std::fwrite(text.data(), 1, text.size(), stderr); }
 
 }  // namespace
+
+bool wantsColours(Colour colour, int descriptor) {
+  if (colour != Colour::kAuto) return colour == Colour::kAlways;
+  const char* refused = std::getenv("NO_COLOR");
+  return (refused == nullptr || *refused == '\0') && ::isatty(descriptor) != 0;
+}
 
 void complain(std::string_view message) {
   print(fmt::format("kelp: {}\n", withoutControls(std::string(message))));

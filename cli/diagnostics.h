@@ -1,4 +1,4 @@
-// Messages on standard error.
+// Messages, on standard error unless it is said.
 #pragma once
 
 #include <string>
@@ -9,6 +9,9 @@
 #include "kelp/scene.h"
 
 namespace KelpCli {
+
+/// Whether what goes to that descriptor is to be coloured: terminals are, unless NO_COLOR is set.
+bool wantsColours(Colour colour, int descriptor);
 
 /// "kelp: message" on a line of its own.
 void complain(std::string_view message);

@@ -32,9 +32,7 @@ bool isFormatted(std::string_view text) {
 }
 
 void writeFormatted(std::string_view text, Output& output) {
-  Kelp::formatText(text, [&output](std::string_view piece) {
-    output.stream().write(piece.data(), static_cast<std::streamsize>(piece.size()));
-  });
+  Kelp::formatText(text, output.textSink());
 }
 
 // One file that cannot be written does not keep others from it.

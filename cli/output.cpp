@@ -169,6 +169,12 @@ Output::Output(const std::string& path)
   out.exceptions(std::ios_base::badbit | std::ios_base::failbit);
 }
 
+Kelp::TextSink Output::textSink() {
+  return [this](std::string_view piece) {
+    out.write(piece.data(), static_cast<std::streamsize>(piece.size()));
+  };
+}
+
 void Output::finish() {
   flush();
   destination.complete();

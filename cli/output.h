@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "kelp/writers/linefiller.h"
+
 namespace KelpCli {
 
 /// Something could not be written.
@@ -65,6 +67,9 @@ class Output {
 
   /// Throws WriteFailure as soon as something cannot be written.
   std::ostream& stream() { return out; }
+
+  /// Hands texts on to the stream; lives no longer than this.
+  Kelp::TextSink textSink();
 
   /// Hands on what is still buffered. Throws WriteFailure.
   void flush() { out.flush(); }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <functional>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -42,6 +44,22 @@ const ObjectAST* findDoubled(const std::vector<ObjectAST*>& objects) {
   return found != entries.end() ? found->object : nullptr;
 }
 
+using Properties = std::unordered_set<const PropertyAST*>;
+
+// The properties that one further behind assigns anew.
+Properties findOverridden(const ObjectAST& object) {
+  Properties overridden;
+  std::unordered_map<std::string_view, const PropertyAST*> last;
+  for (const PropertyAST* property = object.firstProperty; property != nullptr;
+       property = property->next) {
+    const auto [place, isFirst] = last.try_emplace(viewOf(property->name), property);
+    if (isFirst) continue;
+    overridden.insert(place->second);
+    place->second = property;
+  }
+  return overridden;
+}
+
 }  // namespace
 
 SceneTextWriter::SceneTextWriter(TextSink sink)
@@ -71,9 +89,10 @@ void SceneTextWriter::write(const ObjectAST& object) {
   filler.add(type);
   if (named) filler.add(viewOf(object.name), Gap::kSpace);
   filler.add("{", Gap::kSpace);
+  const auto overridden = leaveOutOverridden ? findOverridden(object) : Properties();
   for (const PropertyAST* property = object.firstProperty; property != nullptr;
        property = property->next) {
-    write(*property);
+    if (!overridden.contains(property)) write(*property);
   }
   if (object.firstProperty != nullptr) {
     filler.startLine(0);

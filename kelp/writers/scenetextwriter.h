@@ -46,6 +46,10 @@ class SceneTextWriter {
   /// Objects that the last filter rejected are written like the others, if this is not set.
   bool leaveOutFiltered = false;
 
+  /// All assignments of a property are written, if this is not set; else, in each object, only the
+  /// last one of every name.
+  bool leaveOutOverridden = false;
+
   /// All objects, in the order of the text.
   void write(const ProgramAST& program);
 

@@ -418,3 +418,14 @@ TEST(SceneTextWriter, ObjectsThatWouldBecomeOneAreRefused) {
             "Cannot be written as scene text: object \"A same\", there is another one of that type "
             "and name");
 }
+
+TEST(SceneTextWriter, OverriddenAssignmentsAreLeftOutWhenWished) {
+  const ParsedScene scene("A a { x = 1; y = 2; x = 3; x = 4; } A b { x = 5; }");
+  EXPECT_EQ(writtenScene(*scene.program.get()),
+            "A a {\n  x = 1;\n  y = 2;\n  x = 3;\n  x = 4;\n}\n\nA b {\n  x = 5;\n}\n");
+  TextWriter out;
+  out.writer.leaveOutOverridden = true;
+  out.writer.write(*scene.program.get());
+  out.writer.finish();
+  EXPECT_EQ(out.text, "A a {\n  y = 2;\n  x = 4;\n}\n\nA b {\n  x = 5;\n}\n");
+}
