@@ -6,8 +6,8 @@
 #include <unordered_map>
 #include <utility>
 
-#include "kelp/queries/references.h"
 #include "kelp/ast/treetext.h"
+#include "kelp/queries/references.h"
 
 namespace Kelp {
 
