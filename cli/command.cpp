@@ -10,9 +10,10 @@ void Command::requireOneFile() const {
 
 std::vector<std::unique_ptr<Command>> allCommands() {
   std::vector<std::unique_ptr<Command>> commands;
-  for (const auto make : {checkCommand, decodeCommand, diffCommand, dumpCommand, encodeCommand,
-                          filterCommand, formatCommand, listCommand, mergeCommand, showCommand,
-                          statsCommand, helpCommand, completionCommand}) {
+  for (const auto make :
+       {checkCommand, decodeCommand, diffCommand, dumpCommand, encodeCommand, filterCommand,
+        formatCommand, graphCommand, lintCommand, listCommand, mergeCommand, showCommand,
+        statsCommand, helpCommand, completionCommand}) {
     commands.push_back(make());
   }
   return commands;

@@ -13,9 +13,10 @@ namespace {
 
 constexpr const char* kRed = "\x1b[1;31m";
 constexpr const char* kGreen = "\x1b[1;32m";
+constexpr const char* kMagenta = "\x1b[1;35m";
 constexpr const char* kPlain = "\x1b[0m";
 
-// Names of files come from anywhere: they must not steer the terminal.
+// Names come from anywhere: they must not steer the terminal.
 std::string withoutControls(std::string text) {
   for (char& c : text) {
     if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '?';
@@ -57,6 +58,13 @@ void report(const Kelp::SceneError& error, Colour colour) {
     text += fmt::format("{}:{}: note: included from here\n", withoutControls(file), line);
   }
   print(text);
+}
+
+std::string warningLine(const std::string& place, const std::string& message, std::string_view code,
+                        Colour colour) {
+  const bool coloured = wantsColours(colour, STDOUT_FILENO);
+  return fmt::format("{}: {}warning:{} {} [{}]\n", withoutControls(place), coloured ? kMagenta : "",
+                     coloured ? kPlain : "", withoutControls(message), code);
 }
 
 ExitCode exitCodeOf(const Kelp::SceneError& error) {
