@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "kelp/writers/hexvalues.h"
+#include "kelp/queries/hexvalues.h"
 
 namespace {
 

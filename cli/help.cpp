@@ -43,7 +43,8 @@ class HelpCommand final : public TextCommand {
     if (asManPage) {
       text = manPage(*program);
     } else if (command.empty()) {
-      text = program->help();
+      // The program itself would hand on to the command that was given.
+      text = program->get_formatter()->make_help(program, "", CLI::AppFormatMode::Normal);
     } else {
       text = helpOf(command);
     }

@@ -8,7 +8,7 @@
 #include <type_traits>
 
 #include "kelp/parser/treeparser.h"
-#include "kelp/writers/hexvalues.h"
+#include "kelp/queries/hexvalues.h"
 #include "kelp/writers/numberliteral.h"
 #include "kelp/writers/valuewriter.h"
 

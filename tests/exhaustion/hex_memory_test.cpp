@@ -4,8 +4,8 @@
 
 #include <string>
 
+#include "kelp/queries/hexvalues.h"
 #include "kelp/scene.h"
-#include "kelp/writers/hexvalues.h"
 #include "kelp/writers/scenetextwriter.h"
 #include "tests/exhaustion/operation.h"
 

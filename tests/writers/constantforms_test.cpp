@@ -7,8 +7,8 @@
 #include <random>
 #include <vector>
 
+#include "kelp/queries/hexvalues.h"
 #include "kelp/scene.h"
-#include "kelp/writers/hexvalues.h"
 #include "kelp/writers/sceneformat.h"
 #include "kelp/writers/scenetextwriter.h"
 #include "tests/support/figures.h"

@@ -1,4 +1,4 @@
-#include "kelp/writers/hexvalues.h"
+#include "kelp/queries/hexvalues.h"
 
 #include <gtest/gtest.h>
 
