@@ -6,8 +6,8 @@
 
 #include "cli/command.h"
 #include "cli/diagnostics.h"
-#include "cli/filenames.h"
 #include "cli/input.h"
+#include "cli/jobs.h"
 #include "cli/jsonwriter.h"
 #include "cli/objects.h"
 #include "cli/output.h"
@@ -133,24 +133,17 @@ void writeJson(JsonWriter& json, const std::string& name, const Checked& checked
   json.newLine();
 }
 
-ExitCode checkFiles(const Options& options, bool stats, Output& output) {
-  JsonWriter json(output.stream());
-  ExitCode worst = kGood;
-  FileNames names(options);
-  while (const std::optional<std::string> file = names.next()) {
-    const Checked checked = check(*file, options, stats || options.json);
-    worst = std::max(worst, exitCodeOf(checked.error));
-    if (options.json) {
-      writeJson(json, shownName(*file), checked);
-    } else if (!checked.good()) {
-      report(checked.error, options.colour);
-    } else if (stats) {
-      output.stream() << statsLine(shownName(*file), checked.figures);
-    }
-    // What goes to the two outputs stays in order, and results of long runs are seen early.
-    output.flush();
+ExitCode checkFile(const std::string& file, const Options& options, bool stats, Output& output) {
+  const Checked checked = check(file, options, stats || options.json);
+  if (options.json) {
+    JsonWriter json(output.stream());
+    writeJson(json, shownName(file), checked);
+  } else if (!checked.good()) {
+    report(checked.error, options.colour);
+  } else if (stats) {
+    output.stream() << statsLine(shownName(file), checked.figures);
   }
-  return worst;
+  return exitCodeOf(checked.error);
 }
 
 class CheckCommand final : public Command {
@@ -159,7 +152,7 @@ class CheckCommand final : public Command {
 
   void declare(CLI::App& app) override {
     addFiles(app, options, "Scenes; - is standard input");
-    addFilesFrom(app, options);
+    addJobs(app, options);
     addStreaming(app, options);
     app.add_flag("--stats", stats, "Print what every scene holds and how fast it is read");
     addJson(app, options);
@@ -169,7 +162,10 @@ class CheckCommand final : public Command {
 
   ExitCode run() override {
     Output output;
-    const ExitCode worst = checkFiles(options, stats, output);
+    const auto work = [this](const std::string& file, Output& out) {
+      return checkFile(file, options, stats, out);
+    };
+    const ExitCode worst = forEachFile(options, output, work);
     output.finish();
     return worst;
   }

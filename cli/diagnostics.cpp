@@ -5,7 +5,12 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
+#include <new>
 #include <string>
+
+#include "cli/output.h"
+#include "kelp/utils/exceptions.h"
 
 namespace KelpCli {
 
@@ -29,15 +34,44 @@ void print(const std::string& text) { std::fwrite(text.data(), 1, text.size(), s
 
 }  // namespace
 
+bool isTerminal(int descriptor) {
+  static const bool kOut = ::isatty(STDOUT_FILENO) != 0;
+  static const bool kError = ::isatty(STDERR_FILENO) != 0;
+  return descriptor == STDOUT_FILENO ? kOut : kError;
+}
+
 bool wantsColours(Colour colour, int descriptor) {
   if (colour != Colour::kAuto) return colour == Colour::kAlways;
   const char* refused = std::getenv("NO_COLOR");
-  return (refused == nullptr || *refused == '\0') && ::isatty(descriptor) != 0;
+  return (refused == nullptr || *refused == '\0') && isTerminal(descriptor);
 }
 
-void complain(std::string_view message) {
-  print(fmt::format("kelp: {}\n", withoutControls(std::string(message))));
+ExitCode reportingFailures(const std::function<ExitCode()>& act) {
+  try {
+    return act();
+  } catch (const UsageError& error) {
+    complain(error.message + "; kelp --help tells more");
+  } catch (const WriteFailure& failure) {
+    complain(failure.message);
+  } catch (const Kelp::InvalidSourceFile& failure) {
+    complain(failure.message.chars());
+  } catch (const Kelp::ExceptionMsg& failure) {
+    complain(failure.what());
+  } catch (const std::bad_alloc&) {
+    std::fputs("kelp: Out of memory\n", stderr);
+  } catch (const std::exception& failure) {
+    complain(failure.what());
+  }
+  return kTrouble;
 }
+
+void printError(const std::string& text) { print(text); }
+
+std::string complaint(std::string_view message) {
+  return fmt::format("kelp: {}\n", withoutControls(std::string(message)));
+}
+
+void complain(std::string_view message) { print(complaint(message)); }
 
 void report(const Kelp::SceneError& error, Colour colour) {
   const bool coloured = wantsColours(colour, STDERR_FILENO);

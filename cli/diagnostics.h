@@ -1,6 +1,7 @@
 // Messages, on standard error unless it is said.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -10,8 +11,20 @@
 
 namespace KelpCli {
 
+/// Whether standard output, or standard error, was a terminal when this was first asked.
+bool isTerminal(int descriptor);
+
 /// Whether what goes to that descriptor is to be coloured: terminals are, unless NO_COLOR is set.
 bool wantsColours(Colour colour, int descriptor);
+
+/// Runs it; what it throws becomes a message and the exit code of trouble.
+ExitCode reportingFailures(const std::function<ExitCode()>& act);
+
+/// What a worker has caught of standard error.
+void printError(const std::string& text);
+
+/// "kelp: message" with the end of the line.
+std::string complaint(std::string_view message);
 
 /// "kelp: message" on a line of its own.
 void complain(std::string_view message);

@@ -8,6 +8,7 @@
 #include "cli/command.h"
 #include "cli/diagnostics.h"
 #include "cli/input.h"
+#include "cli/jobs.h"
 #include "cli/output.h"
 #include "kelp/writers/sceneformat.h"
 
@@ -59,6 +60,7 @@ class FormatCommand final : public Command {
 
   void declare(CLI::App& app) override {
     addFiles(app, options, "Scenes; - is standard input");
+    addJobs(app, options);
     CLI::Option* check =
         app.add_flag("--check", checkOnly, "Only name the files that would change");
     CLI::Option* write =
@@ -85,12 +87,10 @@ class FormatCommand final : public Command {
 
   ExitCode run() override {
     Output output(options.output);
-    ExitCode worst = kGood;
-    for (const std::string& file : options.files) {
-      worst = std::max(worst, formatFile(file, output));
-      // What goes to the two outputs stays in order, and results of long runs are seen early.
-      output.flush();
-    }
+    const auto work = [this](const std::string& file, Output& out) {
+      return formatFile(file, out);
+    };
+    const ExitCode worst = forEachFile(options, output, work);
     const bool incomplete = worst != kGood && !options.output.empty();
     if (!incomplete) output.finish();
     return worst;

@@ -44,7 +44,8 @@ class HelpCommand final : public TextCommand {
       text = manPage(*program);
     } else if (command.empty()) {
       // The program itself would hand on to the command that was given.
-      text = program->get_formatter()->make_help(program, "", CLI::AppFormatMode::Normal);
+      text = program->get_formatter()->make_help(program, program->get_name(),
+                                                 CLI::AppFormatMode::Normal);
     } else {
       text = helpOf(command);
     }

@@ -8,8 +8,8 @@
 
 #include "cli/command.h"
 #include "cli/diagnostics.h"
-#include "cli/filenames.h"
 #include "cli/input.h"
+#include "cli/jobs.h"
 #include "cli/jsonwriter.h"
 #include "cli/output.h"
 #include "kelp/ast/treetext.h"
@@ -54,7 +54,7 @@ class LintCommand final : public Command {
 
   void declare(CLI::App& app) override {
     addFiles(app, options, "Scenes; - is standard input");
-    addFilesFrom(app, options);
+    addJobs(app, options);
     app.add_option("--enable", enabled, "Look for that, too")
         ->type_name("CODE")
         ->allow_extra_args(false);
@@ -81,10 +81,8 @@ class LintCommand final : public Command {
     if (listsRules) {
       listRules(output.stream());
     } else {
-      FileNames names(options);
-      while (const std::optional<std::string> file = names.next()) {
-        worst = std::max(worst, lint(*file, output));
-      }
+      const auto work = [this](const std::string& file, Output& out) { return lint(file, out); };
+      worst = forEachFile(options, output, work);
     }
     output.finish();
     return worst;
@@ -127,8 +125,6 @@ class LintCommand final : public Command {
         writeText(output.stream(), shownName(file), finding, options.colour);
       }
     });
-    // What goes to the two outputs stays in order, and results of long runs are seen early.
-    output.flush();
     return result;
   }
 

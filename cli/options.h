@@ -25,6 +25,7 @@ struct Options {
   std::string filesFrom;      ///< a list of more files, "-" is standard input; empty: none
   bool nulSeparated = false;  ///< the names in that list end in NUL, not at the line's end
   Streaming streaming = Streaming::kAuto;
+  int jobs = 1;  ///< processes that share the files; 0: one a processor
 };
 
 /// For the end of a command's help.

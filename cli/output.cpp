@@ -161,6 +161,8 @@ void Destination::complete() {
   temporary.clear();
 }
 
+void forgetUnfinished() { unfinished = nullptr; }
+
 // ---- Output ------------------------------------------------------------------------------------
 
 Output::Output(const std::string& path)

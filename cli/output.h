@@ -61,6 +61,9 @@ class Destination {
   int number = 1;
 };
 
+/// For a process that was forked: what its parent has not completed is none of its business.
+void forgetUnfinished();
+
 /// Standard output, or a file that gets its contents at once or not at all, compressed if its name
 /// ends in .gz or .zst.
 class Output {

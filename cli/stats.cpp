@@ -10,6 +10,7 @@
 #include "cli/command.h"
 #include "cli/diagnostics.h"
 #include "cli/input.h"
+#include "cli/jobs.h"
 #include "cli/jsonwriter.h"
 #include "cli/objects.h"
 #include "cli/output.h"
@@ -56,7 +57,7 @@ void writeCounts(std::ostream& out, const char* heading, const Counts& counts, b
 
 void writeText(std::ostream& out, const std::string& name, const Kelp::Inventory& held,
                bool resolved) {
-  const bool withBars = ::isatty(STDOUT_FILENO) != 0;
+  const bool withBars = isTerminal(STDOUT_FILENO);
   out << fmt::format("{}: {} objects, {} properties ({} repeated), {} list elements, ", name,
                      held.objects, held.properties, held.repeatedProperties, held.listElements);
   out << fmt::format("{} bytes of hexadecimal text, {} references", held.hexBytes, held.references);
@@ -118,8 +119,6 @@ ExitCode count(const std::string& file, const Options& options, Output& output) 
   } else {
     writeText(output.stream(), shownName(file), held, resolved);
   }
-  // What goes to the two outputs stays in order, and results of long runs are seen early.
-  output.flush();
   return exitCodeOf(error);
 }
 
@@ -129,6 +128,7 @@ class StatsCommand final : public Command {
 
   void declare(CLI::App& app) override {
     addFiles(app, options, "Scenes; - is standard input");
+    addJobs(app, options);
     addJson(app, options);
     addStreaming(app, options);
     addSceneOptions(app, options);
@@ -137,10 +137,10 @@ class StatsCommand final : public Command {
 
   ExitCode run() override {
     Output output;
-    ExitCode worst = kGood;
-    for (const std::string& file : options.files) {
-      worst = std::max(worst, count(file, options, output));
-    }
+    const auto work = [this](const std::string& file, Output& out) {
+      return count(file, options, out);
+    };
+    const ExitCode worst = forEachFile(options, output, work);
     output.finish();
     return worst;
   }
