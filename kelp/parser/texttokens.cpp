@@ -123,16 +123,25 @@ TextTokens::PlacedName TextTokens::_takePropertyName() {
   return {std::move(name), source->name, line};
 }
 
+size_t TextTokens::_countedLength() {
+  const size_t length = _spelling().size();
+  if (length > INT32_MAX) throw GiveUp{at};  // a host may allow what no token can hold
+  return length;
+}
+
 TextTokens::LongText TextTokens::_longText() {
   constexpr size_t kNodeTextLimit = 1023;
-  const size_t length = _spelling().size();
+  const size_t length = _countedLength();
   return {length > kNodeTextLimit ? static_cast<int32_t>(length - kNodeTextLimit) : 0, record};
 }
 
 TextTokens::RawArgument TextTokens::_rawArgument(bool skipped) {
   if (!_at(TOKEN_STRING)) throw GiveUp{at};
-  const auto length = static_cast<int32_t>(_spelling().size());
-  return {record, skipped ? 0 : length};
+  if (skipped) {
+    _spelling();
+    return {record, 0};
+  }
+  return {record, static_cast<int32_t>(_countedLength())};
 }
 
 void TextTokens::_endProperty() {

@@ -101,6 +101,7 @@ class TextTokens {
   const char* _skipBlockComment(const char* slash);
   void _measure();
   void _measureString();
+  size_t _countedLength();
   void _noteEnd() { lastEnd = _position(); }
   void _beginLine(const char* start) {
     lineStart = start;
