@@ -10,6 +10,7 @@
 #include <string>
 
 #include "cli/output.h"
+#include "cli/progress.h"
 #include "kelp/utils/exceptions.h"
 
 namespace KelpCli {
@@ -21,7 +22,14 @@ constexpr const char* kGreen = "\x1b[1;32m";
 constexpr const char* kMagenta = "\x1b[1;35m";
 constexpr const char* kPlain = "\x1b[0m";
 
-// Names come from anywhere: they must not steer the terminal.
+// When even standard error cannot be written there is nobody left to tell.
+void print(const std::string& text) {
+  Progress::hide();
+  std::fwrite(text.data(), 1, text.size(), stderr);
+}
+
+}  // namespace
+
 std::string withoutControls(std::string text) {
   for (char& c : text) {
     if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '?';
@@ -29,15 +37,11 @@ std::string withoutControls(std::string text) {
   return text;
 }
 
-// When even standard error cannot be written there is nobody left to tell.
-void print(const std::string& text) { std::fwrite(text.data(), 1, text.size(), stderr); }
-
-}  // namespace
-
 bool isTerminal(int descriptor) {
   static const bool kOut = ::isatty(STDOUT_FILENO) != 0;
   static const bool kError = ::isatty(STDERR_FILENO) != 0;
-  return descriptor == STDOUT_FILENO ? kOut : kError;
+  if (descriptor == STDOUT_FILENO) return kOut;
+  return descriptor == STDERR_FILENO && kError;
 }
 
 bool wantsColours(Colour colour, int descriptor) {

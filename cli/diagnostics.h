@@ -11,6 +11,10 @@
 
 namespace KelpCli {
 
+/// The text with its control characters made harmless: names come from anywhere and must not steer
+/// the terminal.
+std::string withoutControls(std::string text);
+
 /// Whether standard output, or standard error, was a terminal when this was first asked.
 bool isTerminal(int descriptor);
 

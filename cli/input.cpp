@@ -9,10 +9,12 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
 #include "cli/compression.h"
+#include "cli/progress.h"
 
 namespace KelpCli {
 
@@ -128,12 +130,32 @@ double timed(const std::string& file, Kelp::SceneError& error, Read read) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
+// Options with which reading a file tells how far it has come, to whoever looks at the terminal.
+class WithProgress {
+ public:
+  WithProgress(const std::string& file, const Kelp::SceneOptions& given) : options(given) {
+    if (!Progress::isWanted()) return;
+    struct stat status {};
+    const bool isKnown = isPlain(file) && ::stat(file.c_str(), &status) == 0;
+    progress.emplace(shownName(file), isKnown ? status.st_size : 0);
+    options.onProgress = [this](int64_t bytes) { progress->tell(bytes); };
+  }
+  WithProgress(const WithProgress&) = delete;
+  WithProgress& operator=(const WithProgress&) = delete;
+
+  Kelp::SceneOptions options;
+
+ private:
+  std::optional<Progress> progress;
+};
+
 }  // namespace
 
 Input readScene(const std::string& file, const Kelp::SceneOptions& options, std::string* text) {
+  const WithProgress told(file, options);
   Input input;
   input.seconds = timed(file, input.error, [&] {
-    input.scene = openScene(file, options, text);
+    input.scene = openScene(file, told.options, text);
     input.error = input.scene->error();
   });
   return input;
@@ -141,10 +163,11 @@ Input readScene(const std::string& file, const Kelp::SceneOptions& options, std:
 
 StreamedInput streamScene(const std::string& file, const Kelp::SceneOptions& options,
                           const Kelp::ObjectCallback& callback) {
+  const WithProgress told(file, options);
   StreamedInput input;
   input.seconds = timed(file, input.error, [&] {
     Kelp::StreamOptions streamOptions;
-    static_cast<Kelp::SceneOptions&>(streamOptions) = options;
+    static_cast<Kelp::SceneOptions&>(streamOptions) = told.options;
     const auto source = isPlain(file)
                             ? Kelp::SceneSource::file(file)
                             : Kelp::SceneSource::function(contentsOf(file), shownName(file));

@@ -13,6 +13,9 @@
 #include <memory>
 #include <utility>
 
+#include "cli/diagnostics.h"
+#include "cli/progress.h"
+
 namespace KelpCli {
 
 namespace {
@@ -101,6 +104,7 @@ DescriptorBuffer::int_type DescriptorBuffer::overflow(int_type character) {
 }
 
 int DescriptorBuffer::sync() {
+  if (isTerminal(descriptor)) Progress::hide();
   const char* next = pbase();
   const char* end = pptr();
   // Emptied first: after a failure nothing is written twice.

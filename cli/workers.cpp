@@ -15,6 +15,7 @@
 
 #include "cli/diagnostics.h"
 #include "cli/output.h"
+#include "cli/progress.h"
 
 namespace KelpCli {
 
@@ -85,6 +86,7 @@ class CaughtOutput {
 // The life of a worker: a file name comes, what was done with it goes.
 [[noreturn]] void serve(int socket, const CaughtWork& work) {
   forgetUnfinished();
+  Progress::forbid();
   CaughtOutput out(STDOUT_FILENO);
   CaughtOutput err(STDERR_FILENO);
   for (uint64_t length = 0; readAll(socket, &length, sizeof length);) {

@@ -108,6 +108,7 @@ void Scene::Parts::apply(const SceneOptions& options) {
   parser.collectReferenceNames = options.collectReferences ? 1 : 0;
   parser.maxNestingDepth = options.maxNestingDepth;
   parser.maxObjects = options.maxObjects;
+  parser.onProgress = options.onProgress;
 }
 
 void Scene::Parts::parse() {

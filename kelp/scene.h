@@ -9,6 +9,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <iosfwd>
 #include <memory>
 #include <string>
@@ -32,6 +33,9 @@ struct SceneOptions {
   bool mapFiles = false;                  ///< map files instead of reading them
   SourceLimits limits;                    ///< on bytes, includes and where those may lie
   int64_t maxObjects = 0;                 ///< in the text; 0: no limit
+  /// Called now and then with the bytes read so far, of the scene and all that it includes. What it
+  /// throws ends the reading and passes through.
+  std::function<void(int64_t bytes)> onProgress;
 };
 
 /// Why a scene could not be read.

@@ -69,6 +69,9 @@ void readObjects(Scene::Parts& parts, const SceneSource& source, const ObjectCal
     ObjectAST* object = nextObject(stream, parts, source, result.error);
     if (object == nullptr) return;
     ++result.objects;
+    if (parts.parser.onProgress && result.objects % ParserState::kObjectsAtATime == 0) {
+      parts.parser.onProgress(parts.reader.bytesRead());
+    }
     ObjectFate fate;
     try {
       fate = callback(*object);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 
 #include "kelp/ast/mathvalues.h"
 #include "kelp/parser/errorinfo.h"
@@ -44,6 +45,11 @@ struct ParserState {
   /// Plain text is read straight from its characters where the scanner is no class of the host's
   /// own. False: token by token, which is slower and gives the same.
   bool readsPlainText = true;
+
+  /// Called between objects, at least once for every kObjectsAtATime of them, with the bytes of
+  /// text read so far. What it throws ends the parse and passes through.
+  std::function<void(int64_t bytes)> onProgress;
+  static constexpr int64_t kObjectsAtATime = 1000;
 
   /// Expressions being parsed, the outermost one not counted.
   int32_t nestingDepth = 0;

@@ -38,10 +38,12 @@ ProgramAST* TreeParser::parseProgram() {
 void TreeParser::_parseObjects(ProgramAST* program) {
   ObjectQueue queue(*program);
   const int64_t most = maxObjects > 0 ? maxObjects : INT64_MAX;
+  const int64_t mostAtATime = onProgress ? kObjectsAtATime : INT64_MAX;
   for (int64_t objects = 0; !_at(TOKEN_END);) {
     if (objects >= most) _fail(Message::kTooManyObjects, std::to_string(maxObjects).c_str());
-    const int64_t plain = _addPlainObjects(queue, most - objects);
+    const int64_t plain = _addPlainObjects(queue, std::min(most - objects, mostAtATime));
     objects += plain;
+    if (onProgress) onProgress(scanner->reader->bytesPassed());
     if (plain > 0) continue;
     queue.add(parseObject(), _readerParam1(), _readerParam2());
     ++objects;

@@ -195,6 +195,12 @@ void SourcesReader::enterInclude(const std::string& path) {
   position = {included, included->begin, included->begin, 1, &includePlaces.back()};
 }
 
+int64_t SourcesReader::bytesPassed() const {
+  int64_t ahead = position.source->end - position.at;
+  for (const SourcePosition& includer : includers) ahead += includer.source->end - includer.at;
+  return totalBytes - ahead;
+}
+
 bool SourcesReader::leaveInclude() {
   if (includers.empty()) return false;
   position = includers.back();

@@ -173,6 +173,8 @@ class SourcesReader {
 
   /// Total bytes of the files and texts opened so far, again for every include.
   int64_t bytesRead() const { return totalBytes; }
+  /// Those of them that the reader has passed.
+  int64_t bytesPassed() const;
 
  private:
   struct LoadedSource;
