@@ -11,7 +11,7 @@ void Command::requireOneFile() const {
 std::vector<std::unique_ptr<Command>> allCommands() {
   std::vector<std::unique_ptr<Command>> commands;
   for (const auto make : {checkCommand, diffCommand, dumpCommand, filterCommand, formatCommand,
-                          listCommand, mergeCommand, showCommand, statsCommand}) {
+                          importCommand, listCommand, mergeCommand, showCommand, statsCommand}) {
     commands.push_back(make());
   }
   return commands;

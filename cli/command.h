@@ -40,6 +40,7 @@ std::unique_ptr<Command> diffCommand();
 std::unique_ptr<Command> dumpCommand();
 std::unique_ptr<Command> filterCommand();
 std::unique_ptr<Command> formatCommand();
+std::unique_ptr<Command> importCommand();
 std::unique_ptr<Command> listCommand();
 std::unique_ptr<Command> mergeCommand();
 std::unique_ptr<Command> showCommand();
