@@ -56,7 +56,7 @@ std::vector<std::pair<const aiNode*, const aiNode*>> nodesWithParents(const aiNo
 
 // ---- names -------------------------------------------------------------------------------------
 
-// Nodes come first: where names are doubled, it is they that keep theirs.
+// Where names are doubled, it is nodes that keep theirs, then materials.
 ModelNames::ModelNames(const aiScene& scene) {
   const auto found = nodesWithParents(scene.mRootNode);
   std::unordered_map<const aiNode*, const Node*> byNode;
@@ -67,13 +67,13 @@ ModelNames::ModelNames(const aiScene& scene) {
     byNode.emplace(node, &nodes.back());
     nodesByName.try_emplace(node->mName.C_Str(), &nodes.back());
   }
-  for (unsigned i = 0; i < scene.mNumMeshes; ++i) {
-    meshes.push_back(identifiers.add(scene.mMeshes[i]->mName.C_Str(), "mesh"));
-  }
   for (unsigned i = 0; i < scene.mNumMaterials; ++i) {
     aiString name;
     Assimp::library().materialString(scene.mMaterials[i], AI_MATKEY_NAME, &name);
     materials.push_back(identifiers.add(name.C_Str(), "material"));
+  }
+  for (unsigned i = 0; i < scene.mNumMeshes; ++i) {
+    meshes.push_back(identifiers.add(scene.mMeshes[i]->mName.C_Str(), "mesh"));
   }
 }
 

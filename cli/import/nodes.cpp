@@ -1,6 +1,5 @@
 // The nodes of a model, with what moves them, and its cameras and lights.
 #include <assimp/commonMetaData.h>
-#include <assimp/metadata.h>
 
 #include <string_view>
 #include <utility>
@@ -41,7 +40,7 @@ bool hasDirection(const aiLight& light) {
 bool isGltf(const aiScene& scene) {
   aiString format;
   return scene.mMetaData != nullptr && scene.mMetaData->Get(AI_METADATA_SOURCE_FORMAT, format) &&
-         std::string_view(format.C_Str()).starts_with("glTF");
+         std::string_view(format.C_Str()).starts_with("glTF2");
 }
 
 }  // namespace
