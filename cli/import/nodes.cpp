@@ -161,11 +161,14 @@ void ModelScene::_writeLight(const aiLight& light) {
   SceneObject object("Light", name);
   _addParent(object, light.mName);
   object.add("kind", Values::text(kindOf(light.mType)));
-  object.add("color", _color(light.mColorDiffuse));
-  if (light.mColorSpecular != light.mColorDiffuse) {
-    object.add("specular", _color(light.mColorSpecular));
-  }
-  if (!light.mColorAmbient.IsBlack()) object.add("ambient", _color(light.mColorAmbient));
+  const bool isAmbient = light.mType == aiLightSource_AMBIENT;
+  const aiColor3D& color = isAmbient ? light.mColorAmbient : light.mColorDiffuse;
+  const auto addOther = [&](const char* property, const aiColor3D& other) {
+    if (other != color && !other.IsBlack()) object.add(property, _color(other));
+  };
+  object.add("color", _color(color));
+  addOther("specular", light.mColorSpecular);
+  addOther("ambient", light.mColorAmbient);
   if (hasDirection(light)) object.add("direction", _vector(light.mDirection));
   if (hasPlace(light)) {
     object.add("position", _vector(light.mPosition));

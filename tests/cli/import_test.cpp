@@ -296,7 +296,6 @@ TEST_F(ImportCommand, LightsHaveWhatTheirKindHas) {
             "  parent = bulb;\n"
             "  kind = \"spot\";\n"
             "  color = Color(2, 1, 0.5);\n"
-            "  ambient = Color(2, 1, 0.5);\n"
             "  direction = Vector(0, 0, -1);\n"
             "  position = Vector(0, 0, 0);\n"
             "  attenuation = Vector(0, 0, 1);\n"
@@ -308,9 +307,84 @@ TEST_F(ImportCommand, LightsHaveWhatTheirKindHas) {
             "  parent = sun;\n"
             "  kind = \"directional\";\n"
             "  color = Color(1, 1, 0.5);\n"
-            "  ambient = Color(1, 1, 0.5);\n"
             "  direction = Vector(0, 0, -1);\n"
             "}\n");
+}
+
+TEST_F(ImportCommand, ColladaWithAmbientAndPointLight) {
+  imported("a.dae", R"(<?xml version="1.0"?>
+    <COLLADA xmlns="http://www.collada.org/2005/11/COLLADASchema" version="1.4.1">
+    <asset><up_axis>Y_UP</up_axis></asset>
+    <library_cameras><camera id="cam" name="cam"><optics><technique_common><perspective>
+      <xfov>90</xfov><aspect_ratio>2</aspect_ratio><znear>0.5</znear><zfar>50</zfar>
+    </perspective></technique_common></optics></camera></library_cameras>
+    <library_lights>
+      <light id="lamp"><technique_common><point><color>1 0.5 0</color>
+        <constant_attenuation>1</constant_attenuation>
+        <linear_attenuation>0.25</linear_attenuation></point></technique_common></light>
+      <light id="glow"><technique_common><ambient><color>0.1 0.2 0.3</color></ambient>
+      </technique_common></light>
+    </library_lights>
+    <library_geometries><geometry id="tri" name="tri"><mesh>
+      <source id="p"><float_array id="pa" count="9">0 0 0 1 0 0 0 1 0</float_array>
+        <technique_common><accessor source="#pa" count="3" stride="3">
+          <param name="X" type="float"/><param name="Y" type="float"/>
+          <param name="Z" type="float"/></accessor></technique_common></source>
+      <vertices id="v"><input semantic="POSITION" source="#p"/></vertices>
+      <triangles count="1"><input semantic="VERTEX" source="#v" offset="0"/><p>0 1 2</p>
+      </triangles></mesh></geometry></library_geometries>
+    <library_visual_scenes><visual_scene id="vs" name="vs">
+      <node id="door" name="door"><instance_geometry url="#tri"/></node>
+      <node id="eye" name="eye"><translate>0 0 9</translate><instance_camera url="#cam"/></node>
+      <node id="bulb" name="bulb"><instance_light url="#lamp"/></node>
+      <node id="all" name="all"><instance_light url="#glow"/></node>
+    </visual_scene></library_visual_scenes>
+    <scene><instance_visual_scene url="#vs"/></scene></COLLADA>)");
+  EXPECT_EQ(shown("door.geometry"), "tri");
+  EXPECT_EQ(shown("eye_camera.fov"), "1.5707964");
+  EXPECT_EQ(shown("eye_camera.aspect"), "2");
+  EXPECT_EQ(kelp("show imported.scene bulb_light").out,
+            "Light bulb_light {\n"
+            "  parent = bulb;\n"
+            "  kind = \"point\";\n"
+            "  color = Color(1, 0.5, 0);\n"
+            "  position = Vector(0, 0, 0);\n"
+            "  attenuation = Vector(1, 0.25, 0);\n"
+            "}\n");
+  EXPECT_EQ(kelp("show imported.scene all_light").out,
+            "Light all_light {\n"
+            "  parent = all;\n"
+            "  kind = \"ambient\";\n"
+            "  color = Color(0.1, 0.2, 0.3);\n"
+            "}\n");
+}
+
+TEST_F(ImportCommand, TexturesOfGltfHaveTheirWrappingTheirTilingAndTheirKind) {
+  imported("a.gltf", gltf(R"("scenes": [{"nodes": [0]}], "nodes": [{"mesh": 0}],
+      "meshes": [{"primitives": [{"attributes": {"POSITION": 0}, "material": 0}]}],
+      "materials": [{"name": "paint", "doubleSided": true,
+        "pbrMetallicRoughness": {"metallicFactor": 0.25, "roughnessFactor": 0.75,
+          "baseColorFactor": [0.1, 0.2, 0.3, 0.5], "baseColorTexture": {"index": 0,
+            "extensions": {"KHR_texture_transform": {"scale": [2, 3]}}},
+          "metallicRoughnessTexture": {"index": 1}}}],
+      "extensionsUsed": ["KHR_texture_transform"],
+      "samplers": [{"wrapS": 33071, "wrapT": 33648}],
+      "textures": [{"source": 0, "sampler": 0}, {"source": 1}],
+      "images": [{"uri": "textures/paint.png"},
+                 {"uri": "data:image/png;base64,AAAA"}])"));
+  EXPECT_EQ(shown("paint.diffuse"), "paint_texture");
+  EXPECT_EQ(shown("paint.diffuse_factor"), "Color(0.1, 0.2, 0.3)");
+  EXPECT_EQ(shown("paint.metallic"), "texture");
+  EXPECT_EQ(shown("paint.roughness"), "texture");
+  EXPECT_EQ(shown("paint.texture"), "");  // the same once more
+  EXPECT_EQ(shown("paint.metallic_factor"), "0.25");
+  EXPECT_EQ(shown("paint.opacity"), "0.5");
+  EXPECT_EQ(shown("paint.two_sided"), "1");
+  EXPECT_EQ(shown("texture.embedded"), "\"*0\"");
+  EXPECT_EQ(shown("paint_texture.file"), "\"textures/paint.png\"");
+  EXPECT_EQ(shown("paint_texture.tile"), "List(2, 3)");
+  EXPECT_EQ(shown("paint_texture.wrap_u"), "\"clamp\"");
+  EXPECT_EQ(shown("paint_texture.wrap_v"), "\"mirror\"");
 }
 
 TEST_F(ImportCommand, HostileNamesMakeGoodScenes) {
