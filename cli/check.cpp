@@ -88,6 +88,18 @@ void writeFigures(JsonWriter& json, const Figures& figures) {
   json.key("megabytesPerSecond").number(figures.megabytesPerSecond);
 }
 
+void writeIncludes(JsonWriter& json, const std::vector<Kelp::SceneError::Include>& includes) {
+  if (includes.empty()) return;
+  json.key("includedFrom").beginArray();
+  for (const auto& [file, line] : includes) {
+    json.beginObject();
+    json.key("file").text(file);
+    json.key("line").integer(line);
+    json.endObject();
+  }
+  json.endArray();
+}
+
 void writeError(JsonWriter& json, const Kelp::SceneError& error) {
   const bool unreadable = error.kind == Kelp::SceneError::Kind::kUnreadable;
   json.key("error").beginObject();
@@ -100,6 +112,10 @@ void writeError(JsonWriter& json, const Kelp::SceneError& error) {
     json.key("sourceLine").text(error.sourceLine);
     json.key("readerFile").text(error.file);
     json.key("readerLine").integer(error.line);
+    writeIncludes(json, error.includedFrom);
+    if (const std::string suggestion = error.suggestion(); !suggestion.empty()) {
+      json.key("suggestion").text(suggestion);
+    }
   }
   json.endObject();
 }

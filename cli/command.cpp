@@ -10,8 +10,10 @@ void Command::requireOneFile() const {
 
 std::vector<std::unique_ptr<Command>> allCommands() {
   std::vector<std::unique_ptr<Command>> commands;
-  for (const auto make : {checkCommand, diffCommand, dumpCommand, filterCommand, formatCommand,
-                          importCommand, listCommand, mergeCommand, showCommand, statsCommand}) {
+  for (const auto make :
+       {checkCommand, decodeCommand, diffCommand, dumpCommand, encodeCommand, filterCommand,
+        formatCommand, graphCommand, importCommand, lintCommand, listCommand, mergeCommand,
+        showCommand, statsCommand, helpCommand, completionCommand}) {
     commands.push_back(make());
   }
   return commands;

@@ -36,11 +36,17 @@ class Command {
 };
 
 std::unique_ptr<Command> checkCommand();
+std::unique_ptr<Command> completionCommand();
+std::unique_ptr<Command> decodeCommand();
 std::unique_ptr<Command> diffCommand();
 std::unique_ptr<Command> dumpCommand();
+std::unique_ptr<Command> encodeCommand();
 std::unique_ptr<Command> filterCommand();
 std::unique_ptr<Command> formatCommand();
+std::unique_ptr<Command> helpCommand();
+std::unique_ptr<Command> graphCommand();
 std::unique_ptr<Command> importCommand();
+std::unique_ptr<Command> lintCommand();
 std::unique_ptr<Command> listCommand();
 std::unique_ptr<Command> mergeCommand();
 std::unique_ptr<Command> showCommand();

@@ -13,9 +13,10 @@ namespace {
 
 constexpr const char* kRed = "\x1b[1;31m";
 constexpr const char* kGreen = "\x1b[1;32m";
+constexpr const char* kMagenta = "\x1b[1;35m";
 constexpr const char* kPlain = "\x1b[0m";
 
-// Names of files come from anywhere: they must not steer the terminal.
+// Names come from anywhere: they must not steer the terminal.
 std::string withoutControls(std::string text) {
   for (char& c : text) {
     if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '?';
@@ -43,14 +44,27 @@ void report(const Kelp::SceneError& error, Colour colour) {
   const char* red = coloured ? kRed : "";
   const char* green = coloured ? kGreen : "";
   const char* plain = coloured ? kPlain : "";
-  std::string text = fmt::format("{}: {}error:{} {}\n", withoutControls(error.position()), red,
-                                 plain, error.describe());
+  const std::string suggestion = error.suggestion();
+  const std::string hint =
+      suggestion.empty() ? "" : fmt::format("; did you mean \"{}\"?", suggestion);
+  std::string text = fmt::format("{}: {}error:{} {}{}\n", withoutControls(error.position()), red,
+                                 plain, error.describe(), hint);
   const std::string excerpt = error.excerpt();
   if (!excerpt.empty()) {
     const std::string_view upToCaret(excerpt.data(), excerpt.size() - 1);
     text += fmt::format("{}{}^{}\n", upToCaret, green, plain);
   }
+  for (const auto& [file, line] : error.includedFrom) {
+    text += fmt::format("{}:{}: note: included from here\n", withoutControls(file), line);
+  }
   print(text);
+}
+
+std::string warningLine(const std::string& place, const std::string& message, std::string_view code,
+                        Colour colour) {
+  const bool coloured = wantsColours(colour, STDOUT_FILENO);
+  return fmt::format("{}: {}warning:{} {} [{}]\n", withoutControls(place), coloured ? kMagenta : "",
+                     coloured ? kPlain : "", withoutControls(message), code);
 }
 
 ExitCode exitCodeOf(const Kelp::SceneError& error) {

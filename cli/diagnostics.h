@@ -1,6 +1,7 @@
-// Messages on standard error.
+// Messages, on standard error unless it is said.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "cli/exitcode.h"
@@ -17,6 +18,10 @@ void complain(std::string_view message);
 
 /// The message of a scene that could not be read, with the source line and a caret if there is one.
 void report(const Kelp::SceneError& error, Colour colour);
+
+/// "place: warning: message [code]" as a line for standard output, coloured where that is wished.
+std::string warningLine(const std::string& place, const std::string& message, std::string_view code,
+                        Colour colour);
 
 /// The exit code that a scene with this error stands for.
 ExitCode exitCodeOf(const Kelp::SceneError& error);

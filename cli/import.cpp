@@ -29,6 +29,7 @@ class ImportCommand final : public Command {
                    "Frames of the scene a second; else a frame is the model's unit of time")
         ->type_name("NUMBER")
         ->check(CLI::Range(1e-6, 1e9));
+    app.add_flag("--hex", inHex, "Write lists of numbers and transforms as hexadecimal text");
     addOutput(app, options);
     app.footer(
         "What a scene does not say of the model is told on standard error.\n\n"
@@ -48,6 +49,7 @@ class ImportCommand final : public Command {
  private:
   std::string animation;         // its name or number; empty: the first
   double framesPerSecond = 0.0;  // 0: of the model
+  bool inHex = false;
 };
 
 #ifdef KELP_HAS_IMPORT
@@ -59,6 +61,7 @@ ExitCode ImportCommand::run() {
     const ModelOptions modelOptions{animation, framesPerSecond};
     Output output(options.output);
     Kelp::SceneTextWriter writer(output.textSink());
+    if (inHex) writer.constants = Kelp::ConstantForm::kHexadecimal;
     ModelScene scene(model.scene(), modelOptions,
                      [&writer](const Kelp::ObjectAST& object) { writer.write(object); });
     scene.write();

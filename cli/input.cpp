@@ -7,9 +7,12 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <stdexcept>
 #include <utility>
+
+#include "cli/compression.h"
 
 namespace KelpCli {
 
@@ -51,14 +54,38 @@ size_t readStandardInput(char* buffer, size_t size) {
   return readBlock(STDIN_FILENO, "-", buffer, size);
 }
 
+// The contents of a file or of standard input, decompressed.
+Kelp::TextInput::Read contentsOf(const std::string& file) {
+  const auto input = std::make_shared<Descriptor>(file);
+  const auto read = [input, file](char* buffer, size_t size) {
+    return readBlock(input->number, file, buffer, size);
+  };
+  return decompressed(read, shownName(file));
+}
+
+// Whether the library can read the file by itself. It says better than we could why it cannot.
+bool isPlain(const std::string& file) {
+  if (file == "-") return false;
+  const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (descriptor < 0) return true;
+  struct stat status {};
+  char start[4];
+  const bool isRegular = ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+  const ssize_t got = isRegular ? ::pread(descriptor, start, sizeof start, 0) : 0;
+  ::close(descriptor);
+  if (!isRegular) return S_ISDIR(status.st_mode);
+  const size_t bytes = got > 0 ? static_cast<size_t>(got) : 0;
+  return compressionOf({start, bytes}) == Compression::kNone;
+}
+
 // Reads to the end, or until there is more than may be read.
 std::string readAll(const std::string& file, int64_t maxBytes) {
-  const Descriptor input(file);
+  const Kelp::TextInput::Read read = contentsOf(file);
   std::string text;
   size_t used = 0;
   while (maxBytes <= 0 || static_cast<int64_t>(used) <= maxBytes) {
     if (text.size() - used < kBlock) text.resize(text.size() * 2 + kBlock);
-    const size_t got = readBlock(input.number, file, text.data() + used, text.size() - used);
+    const size_t got = read(text.data() + used, text.size() - used);
     if (got == 0) break;
     used += got;
   }
@@ -68,7 +95,7 @@ std::string readAll(const std::string& file, int64_t maxBytes) {
 
 Kelp::Scene openScene(const std::string& file, const Kelp::SceneOptions& options,
                       std::string* text) {
-  if (file != "-" && text == nullptr) return Kelp::Scene::fromFile(file, options);
+  if (text == nullptr && isPlain(file)) return Kelp::Scene::fromFile(file, options);
   std::string read = readAll(file, options.limits.maxBytes);
   Kelp::Scene scene = Kelp::Scene::fromText(read, shownName(file), options);
   if (text != nullptr) *text = std::move(read);
@@ -118,9 +145,9 @@ StreamedInput streamScene(const std::string& file, const Kelp::SceneOptions& opt
   input.seconds = timed(file, input.error, [&] {
     Kelp::StreamOptions streamOptions;
     static_cast<Kelp::SceneOptions&>(streamOptions) = options;
-    const auto source = file == "-"
-                            ? Kelp::SceneSource::function(readStandardInput, shownName(file))
-                            : Kelp::SceneSource::file(file);
+    const auto source = isPlain(file)
+                            ? Kelp::SceneSource::file(file)
+                            : Kelp::SceneSource::function(contentsOf(file), shownName(file));
     const Kelp::StreamResult result = Kelp::forEachObject(source, callback, streamOptions);
     input.error = result.error;
     input.bytes = result.bytes;
@@ -131,8 +158,11 @@ StreamedInput streamScene(const std::string& file, const Kelp::SceneOptions& opt
 bool isLarge(const std::string& file) {
   static const int64_t kMemory = int64_t{::sysconf(_SC_PHYS_PAGES)} * ::sysconf(_SC_PAGESIZE);
   struct stat status;
-  return file != "-" && ::stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
-         status.st_size > kMemory / 4;
+  const bool isRegular =
+      file != "-" && ::stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+  if (!isRegular) return false;
+  constexpr int64_t kUsualRatio = 8;  // of a text to what it is compressed to
+  return status.st_size * (isPlain(file) ? 1 : kUsualRatio) > kMemory / 4;
 }
 
 Kelp::TextInput standardInput() {

@@ -165,6 +165,10 @@ void Destination::complete() {
 
 Output::Output(const std::string& path)
     : destination(path), buffer(destination.descriptor(), destination.name()), out(&buffer) {
+  if (const Compression compression = compressionFor(path); compression != Compression::kNone) {
+    compressor = compressing(compression, buffer);
+    out.rdbuf(compressor.get());
+  }
   // The stream then passes on what its buffer throws.
   out.exceptions(std::ios_base::badbit | std::ios_base::failbit);
 }
@@ -177,6 +181,10 @@ Kelp::TextSink Output::textSink() {
 
 void Output::finish() {
   flush();
+  if (compressor != nullptr) {
+    compressor->finish();
+    buffer.pubsync();
+  }
   destination.complete();
 }
 

@@ -1,11 +1,13 @@
 // Output: where results are written, with every failure to write noticed.
 #pragma once
 
+#include <memory>
 #include <ostream>
 #include <streambuf>
 #include <string>
 #include <vector>
 
+#include "cli/compression.h"
 #include "kelp/writers/linefiller.h"
 
 namespace KelpCli {
@@ -59,7 +61,8 @@ class Destination {
   int number = 1;
 };
 
-/// Standard output, or a file that gets its contents at once or not at all.
+/// Standard output, or a file that gets its contents at once or not at all, compressed if its name
+/// ends in .gz or .zst.
 class Output {
  public:
   /// An empty path or "-" means standard output. Throws WriteFailure.
@@ -80,6 +83,7 @@ class Output {
  private:
   Destination destination;
   DescriptorBuffer buffer;
+  std::unique_ptr<CompressingBuffer> compressor;  // null: the output is written as it is
   std::ostream out;
 };
 

@@ -3,6 +3,8 @@
 #include <ostream>
 
 #include "kelp/ast/treetext.h"
+#include "kelp/parser/messages.h"
+#include "kelp/parser/nearestcall.h"
 #include "kelp/sceneparts.h"
 
 namespace Kelp {
@@ -77,11 +79,19 @@ std::string SceneError::describe() const {
   return message.empty() ? "syntax error" : withoutControls(message);
 }
 
+std::string SceneError::suggestion() const {
+  const std::string_view unknown = wordIn(message, Message::kUnknownFunctor);
+  return unknown.empty() ? "" : std::string(nearestCall(unknown));
+}
+
 std::ostream& operator<<(std::ostream& out, const SceneError& error) {
   if (error.kind == SceneError::Kind::kNone) return out;
   out << error.position() << ": " << error.describe();
   const std::string excerpt = error.excerpt();
   if (!excerpt.empty()) out << '\n' << excerpt;
+  for (const SceneError::Include& include : error.includedFrom) {
+    out << "\nincluded from " << withoutControls(include.file) << ':' << include.line;
+  }
   return out;
 }
 
@@ -125,6 +135,9 @@ SceneError Scene::Parts::invalidText() {
   invalid.column = location.column;
   invalid.sourceLine = location.sourceLine;
   invalid.lineColumn = location.lineColumn;
+  for (const IncludePlace* place = location.includedFrom; place != nullptr; place = place->next) {
+    invalid.includedFrom.push_back({textOf(place->file), place->line});
+  }
   return invalid;
 }
 

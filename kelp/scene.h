@@ -54,6 +54,17 @@ struct SceneError {
   int lineColumn = 1;      ///< column of the first character in sourceLine, from 1: of a long line
                            ///< of a stream, it may be a part
 
+  struct Include {
+    std::string file;
+    int line = 0;  ///< of the #include, from 1
+  };
+  /// How the reader came to tokenFile, innermost first; empty when that is the scene's own file.
+  std::vector<Include> includedFrom;
+
+  /// What may have been meant, fit for a terminal: a builtin function or a type that is spelled
+  /// much like the one that was not recognized; empty when nothing comes close.
+  std::string suggestion() const;
+
   /// "file:line:column" of the token, or just the file when it could not be read; fit for a
   /// terminal.
   std::string position() const;
@@ -66,7 +77,8 @@ struct SceneError {
   std::string describe() const;
 };
 
-/// "file:line:column: message", then the excerpt; nothing when there was no error.
+/// "file:line:column: message", the excerpt and the #include lines that led there; nothing when
+/// there was no error.
 std::ostream& operator<<(std::ostream& out, const SceneError& error);
 
 /// A scene that was read, with everything its tree refers to; or the reason why it could not be.

@@ -65,6 +65,8 @@ const BuiltinFunction* BuiltinFunctionAST::findFunction(std::string_view name) {
   return place >= 0 ? &kFunctions[place] : nullptr;
 }
 
+std::span<const BuiltinFunction> BuiltinFunctionAST::functions() { return kFunctions; }
+
 const BuiltinFunction* BuiltinFunctionAST::findFunction(int id) {
   for (const BuiltinFunction& function : kFunctions) {
     if (function.id == id) return &function;

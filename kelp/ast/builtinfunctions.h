@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 #include "kelp/ast/ast.h"
@@ -56,6 +57,9 @@ class BuiltinFunctionAST final : public ExpressionAST {
 
   /// The table row of an id, null for an unknown one. Lives for ever.
   static const BuiltinFunction* findFunction(int id);
+
+  /// All of them. Lives for ever.
+  static std::span<const BuiltinFunction> functions();
 
   /// Shared by all parsers of the process and advanced without a lock.
   static RandomGenerator rndGen;

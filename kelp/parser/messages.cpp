@@ -23,4 +23,14 @@ CharString messageText(Message message, const char* word) {
   return makeCharString(row.before, word, row.after);
 }
 
+std::string_view wordIn(std::string_view text, Message message) {
+  const MessageRow& row = kMessages[static_cast<int>(message)];
+  const std::string_view before = row.before;
+  const std::string_view after = row.after;
+  const bool fits = text.size() >= before.size() + after.size() && text.starts_with(before) &&
+                    text.ends_with(after);
+  if (!fits) return {};
+  return text.substr(before.size(), text.size() - before.size() - after.size());
+}
+
 }  // namespace Kelp

@@ -9,6 +9,7 @@ namespace Kelp {
 
 void TextTokens::_moveTo(const SourcePosition& token) {
   source = token.source;
+  includedFrom = token.includedFrom;
   at = token.at;
   end = nullptr;
   lineStart = token.lineStart;

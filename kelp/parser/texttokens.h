@@ -46,7 +46,7 @@ class TextTokens {
 
  protected:
   /// Where the current token begins, for _moveTo.
-  SourcePosition _position() const { return {source, at, lineStart, line}; }
+  SourcePosition _position() const { return {source, at, lineStart, line, includedFrom}; }
   /// The source that the tokens come from.
   const Source& _source() const { return *source; }
 
@@ -112,6 +112,7 @@ class TextTokens {
   const size_t longestString;
 
   const Source* source = nullptr;
+  const IncludePlace* includedFrom = nullptr;
   const char* at = nullptr;    // first character of the current token
   const char* end = nullptr;   // behind it, once somebody asked
   std::string_view tokenText;  // once `end` is known

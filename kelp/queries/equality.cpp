@@ -9,6 +9,7 @@
 
 #include "kelp/ast/treetext.h"
 #include "kelp/ast/visitor.h"
+#include "kelp/queries/hexvalues.h"
 
 namespace Kelp {
 
@@ -69,7 +70,11 @@ class Comparison final : public Visitor {
     add(node.offset, other(node).offset);
   }
   void visit(TransformHexExpressionAST& node) override {
-    require(recordedText(node.textRef) == recordedText(other(node).textRef));
+    if (recordedText(node.textRef) == recordedText(other(node).textRef)) return;
+    const HexTransform a = elementsOf(node);
+    const HexTransform b = elementsOf(other(node));
+    require(a && b && std::memcmp(a.matrix, b.matrix, sizeof a.matrix) == 0 &&
+            std::memcmp(a.offset, b.offset, sizeof a.offset) == 0);
   }
   void visit(ObjectReferenceAST& node) override { require(node.name == other(node).name); }
   void visit(PropertyReferenceAST& node) override {
@@ -120,7 +125,9 @@ class Comparison final : public Visitor {
   void visit(ListTypeExpressionAST<int>& node) override { compareLists(node); }
   void visit(ListTypeExpressionAST<Color>& node) override { compareLists(node); }
   void visit(ListTypeExpressionAST<float>& node) override { compareLists(node); }
-  void visit(ListTypeExpressionAST<CharString>& node) override { compareLists(node); }
+  void visit(ListTypeExpressionAST<CharString>& node) override {
+    require(sameElements(node.elements, other(node).elements));
+  }
 
  private:
   void require(bool condition) { equal = equal && condition; }
@@ -141,9 +148,11 @@ class Comparison final : public Visitor {
   template <class T>
   void compareLists(const ListTypeExpressionAST<T>& node) {
     const ListTypeExpressionAST<T>& list = other(node);
-    require(node.parsedForm == list.parsedForm);
-    require(recordedText(node.textRef) == recordedText(list.textRef));
-    require(sameElements(node.elements, list.elements));
+    const bool bothHexadecimal = node.parsedForm == 0 && list.parsedForm == 0;
+    if (bothHexadecimal && recordedText(node.textRef) == recordedText(list.textRef)) return;
+    const HexList<T> a = elementsOf(node);
+    const HexList<T> b = elementsOf(list);
+    require(a && b && sameElements(a.elements, b.elements));
   }
 
   std::vector<std::pair<ExpressionAST*, ExpressionAST*>> pending;

@@ -266,6 +266,7 @@ SourceLocation Scanner::locate(int back) const {
   if (start.source == nullptr) return location;
   location.file = start.source->name;
   location.line = start.line;
+  location.includedFrom = start.includedFrom;
   if (start.lineStart == start.source->begin) {
     location.lineColumn =
         static_cast<int>(std::min<int64_t>(start.source->cutCharacters, INT32_MAX - 1)) + 1;

@@ -16,6 +16,7 @@ struct SourceLocation {
   std::string sourceLine;  ///< the line, without its end
   int lineColumn = 1;  ///< of the first character in it: of a long line of a stream, only a part
                        ///< is in memory
+  const IncludePlace* includedFrom = nullptr;  ///< the reader's, as long as it reads that scene
 };
 
 /// Thrown in a stream: what the next token is depends on text that is not in memory yet.

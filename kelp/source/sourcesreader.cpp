@@ -119,6 +119,7 @@ void SourcesReader::openStream(TextInput input, const char* name, size_t windowB
 
 void SourcesReader::_start(const Source& source, int64_t bytes) {
   includers.clear();
+  includePlaces.clear();
   includes = 0;
   sceneBytes = bytes;
   totalBytes += bytes;
@@ -186,11 +187,12 @@ void SourcesReader::enterInclude(const std::string& path) {
   if (cycle) {
     throwInvalidSource("File \"" + std::string(included->name.chars()) + "\" includes itself");
   }
+  includePlaces.push_back({position.source->name, position.line, position.includedFrom});
   includers.push_back(position);
   ++includes;
   sceneBytes += loaded->size();
   totalBytes += loaded->size();
-  position = {included, included->begin, included->begin, 1};
+  position = {included, included->begin, included->begin, 1, &includePlaces.back()};
 }
 
 bool SourcesReader::leaveInclude() {
@@ -273,6 +275,7 @@ void SourcesReader::closeStream() {
   stream->close();
   position = {sceneSource, sceneSource->begin, sceneSource->begin, position.line};
   includers.clear();
+  includePlaces.clear();
   includedBefore.clear();
   sources.clear();
   includedBytes = 0;

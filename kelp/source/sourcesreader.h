@@ -4,6 +4,7 @@
 #include <sys/types.h>
 
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -28,6 +29,13 @@ struct Source {
   int64_t cutCharacters = 0;  ///< of the line that `begin` stands in, before it; 0: all are there
 };
 
+/// The #include line that a file is read for, and what the file with that line is read for.
+struct IncludePlace {
+  CharString file;
+  int line;
+  const IncludePlace* next;  ///< null: that file is the scene's own
+};
+
 /// A place in a source. Lines count from 1 and end at LF; from the 2,147,483,647th on they all
 /// bear that number.
 struct SourcePosition {
@@ -35,6 +43,7 @@ struct SourcePosition {
   const char* at = nullptr;
   const char* lineStart = nullptr;
   int line = 1;
+  const IncludePlace* includedFrom = nullptr;  ///< the reader's; null in the scene's own file
 
   void beginLine(const char* start) {
     lineStart = start;
@@ -182,7 +191,8 @@ class SourcesReader {
   std::vector<std::unique_ptr<LoadedSource>> sources;
   std::unordered_map<std::string, LoadedSource*> includedBefore;  // by path
   std::vector<std::unique_ptr<char[]>> keptTexts;
-  std::vector<SourcePosition> includers;  // innermost last
+  std::vector<SourcePosition> includers;   // innermost last
+  std::deque<IncludePlace> includePlaces;  // of the scene, for positions to refer to
   std::vector<std::string> includePaths;
   const Source* sceneSource = nullptr;
   std::unique_ptr<StreamedText> stream;  // the scene's own when it is read piece by piece

@@ -105,6 +105,7 @@ void SceneTextWriter::write(const ObjectAST& object) {
 
 void SceneTextWriter::write(const PropertyAST& property) {
   values->property = &property;
+  values->constants = constants;
   values->filler.startLine(LineFiller::kIndent);
   const std::string_view name = viewOf(property.name);
   if (ValueWriter::isIdentifier(name)) {
@@ -119,6 +120,7 @@ void SceneTextWriter::write(const PropertyAST& property) {
 }
 
 void SceneTextWriter::write(ExpressionAST& value) {
+  values->constants = constants;
   values->filler.startLine(0);
   values->writeValue(&value, Gap::kNone);
 }

@@ -1,15 +1,10 @@
 #include "kelp/writers/valuewriter.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
-#include <type_traits>
 #include <vector>
 
 #include "kelp/source/characterclass.h"
 #include "kelp/utils/exceptions.h"
-#include "kelp/writers/numberliteral.h"
-#include "kelp/writers/scenetextwriter.h"
 
 namespace Kelp {
 
@@ -18,34 +13,6 @@ namespace {
 bool isSum(const BinaryExpressionAST& node) {
   return node.op == BinaryExpressionAST::kPlus || node.op == BinaryExpressionAST::kMinus;
 }
-
-template <class T>
-struct ListForm;
-template <>
-struct ListForm<Vector> {
-  static constexpr const char* kName = "ListVector";
-  static constexpr const char* kHexName = "ListVectorHex";
-};
-template <>
-struct ListForm<Color> {
-  static constexpr const char* kName = "ListColor";
-  static constexpr const char* kHexName = "ListColorHex";
-};
-template <>
-struct ListForm<int> {
-  static constexpr const char* kName = "ListInt";
-  static constexpr const char* kHexName = "ListIntHex";
-};
-template <>
-struct ListForm<float> {
-  static constexpr const char* kName = "ListFloat";
-  static constexpr const char* kHexName = "ListFloatHex";
-};
-template <>
-struct ListForm<CharString> {
-  static constexpr const char* kName = "ListString";
-  static constexpr const char* kHexName = nullptr;
-};
 
 }  // namespace
 
@@ -108,13 +75,6 @@ void ValueWriter::addCall(std::string_view name, ExpressionAST* const* arguments
     add(arguments[i], i > 0 ? Gap::kWrap : Gap::kOpening, level);
   }
   addText(")");
-}
-
-void ValueWriter::visit(NumberExpressionAST& node) {
-  if (std::signbit(node.value) && !std::isnan(node.value)) {
-    fail("a number is negative without a negation over it");
-  }
-  writeNumber(node.value, current.gap, current.level);
 }
 
 void ValueWriter::visit(NegatedExpressionAST& node) {
@@ -187,68 +147,7 @@ void ValueWriter::writePair(const CharString& objectName, std::string_view mark,
   filler.add(viewOf(name));
 }
 
-// ---- constants ---------------------------------------------------------------------------------
-
-template <class T>
-void ValueWriter::writeList(const ListTypeExpressionAST<T>& node) {
-  if constexpr (ListForm<T>::kHexName != nullptr) {
-    if (node.parsedForm == 0) {
-      return writeHex(ListForm<T>::kHexName, node.textRef, node.textLength);
-    }
-  }
-  open(ListForm<T>::kName);
-  const int level = current.level + kBracket;
-  for (int i = 0; i < node.elements.count; ++i) {
-    if (i > 0) filler.add(",");
-    writeElement(node.elements.data[i], i > 0 ? Gap::kWrap : Gap::kOpening, level);
-  }
-  filler.add(")");
-}
-
-// A form around something else than a string has no text but remembers how long the other was.
-void ValueWriter::writeHex(const char* form, const uint64_t (&record)[3], int textLength) {
-  open(form);
-  const int level = current.level + kBracket;
-  const std::string_view text = recordedText(record);
-  if (text.data() != nullptr) {
-    quote(text, Gap::kOpening, level);
-  } else {
-    if (textLength <= 0) fail("a hexadecimal form has no text");
-    filler.add("x", Gap::kOpening, level);
-    for (int i = 1; i < textLength; ++i) filler.add("x");
-  }
-  filler.add(")");
-}
-
-void ValueWriter::writeElement(int value, Gap gap, int level) {
-  char digits[16];
-  const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-  filler.add({digits, static_cast<size_t>(end - digits)}, gap, level);
-}
-
-void ValueWriter::writeTuple(std::string_view opening, float x, float y, float z, Gap gap,
-                             int level) {
-  filler.add(opening, gap, level);
-  writeNumber(x, Gap::kOpening, level + kBracket);
-  filler.add(",");
-  writeNumber(y, Gap::kWrap, level + kBracket);
-  filler.add(",");
-  writeNumber(z, Gap::kWrap, level + kBracket);
-  filler.add(")");
-}
-
-template <class Value>
-void ValueWriter::writeNumber(Value value, Gap gap, int level) {
-  const NumberLiteral literal(value);
-  if (!literal.isExact()) ++approximated;
-  std::string_view text = literal.view();
-  // In an expression a minus would be a negation; of not-a-numbers that sign is the only loss.
-  if (std::is_same_v<Value, double> && text[0] == '-') {
-    text.remove_prefix(1);
-    ++approximated;
-  }
-  filler.add(text, gap, level);
-}
+// ---- texts -------------------------------------------------------------------------------------
 
 // Backslashes stand for themselves but before another one or a quote.
 void ValueWriter::quote(std::string_view text, Gap gap, int level) {
@@ -269,14 +168,16 @@ void ValueWriter::quote(std::string_view text, Gap gap, int level) {
   filler.add("\"");
 }
 
-void ValueWriter::fail(const std::string& what) const {
-  std::string message = "Cannot be written as scene text: ";
+void ValueWriter::fail(const std::string& what, const char* refusal) const {
+  std::string message = std::string(refusal) + ": ";
   if (object != nullptr) {
     message += "object \"" + std::string(viewOf(object->type)) + ' ' +
                std::string(viewOf(object->name)) + "\", ";
   }
   if (property != nullptr) message += "property \"" + std::string(viewOf(property->name)) + "\", ";
-  throw NotWritableException(CharString((message + what).c_str()));
+  const CharString text((message + what).c_str());
+  if (property == nullptr) throw NotWritableException(text);
+  throw NotWritableException(text, property->file, property->line);
 }
 
 }  // namespace Kelp

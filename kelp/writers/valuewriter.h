@@ -10,9 +10,12 @@
 #include "kelp/ast/treetext.h"
 #include "kelp/ast/visitor.h"
 #include "kelp/writers/linefiller.h"
+#include "kelp/writers/scenetextwriter.h"
 #include "kelp/writers/workstack.h"
 
 namespace Kelp {
+
+struct HexError;
 
 /// Hands pieces to the filler, with the gaps and levels that formatText gives the same tokens.
 /// After a failure it is of no further use.
@@ -30,7 +33,8 @@ class ValueWriter final : public Visitor {
   void quote(std::string_view text, Gap gap, int level);
 
   /// Throws NotWritableException.
-  [[noreturn]] void fail(const std::string& what) const;
+  [[noreturn]] void fail(const std::string& what,
+                         const char* refusal = "Cannot be written as scene text") const;
   static bool isIdentifier(std::string_view text);
   void requireIdentifier(const CharString& name, const char* what) const;
 
@@ -44,13 +48,8 @@ class ValueWriter final : public Visitor {
   }
   void visit(AColorExpressionAST& node) override { addCall("AColor", node.components, 4); }
   void visit(MatrixExpressionAST& node) override { addCall("Matrix", node.rows, 3); }
-  void visit(TransformExpressionAST& node) override {
-    ExpressionAST* const parts[] = {node.matrix, node.offset};
-    addCall("Transform", parts, 2);
-  }
-  void visit(TransformHexExpressionAST& node) override {
-    writeHex("TransformHex", node.textRef, node.textLength);
-  }
+  void visit(TransformExpressionAST& node) override;
+  void visit(TransformHexExpressionAST& node) override;
   void visit(ObjectReferenceAST& node) override {
     requireIdentifier(node.name, "the name in a reference");
     put(viewOf(node.name));
@@ -83,6 +82,7 @@ class ValueWriter final : public Visitor {
 
   TextSink sink;
   LineFiller filler;
+  ConstantForm constants = ConstantForm::kAsItIs;
   int64_t approximated = 0;               // numbers
   const ObjectAST* object = nullptr;      // for messages
   const PropertyAST* property = nullptr;  // likewise
@@ -127,10 +127,18 @@ class ValueWriter final : public Visitor {
     filler.add("(");
   }
   void writePair(const CharString& objectName, std::string_view mark, const CharString& name);
-  void writeHex(const char* form, const uint64_t (&record)[3], int textLength);
 
   template <class T>
   void writeList(const ListTypeExpressionAST<T>& node);
+  template <class T>
+  void writeElements(const T* elements, int count, bool areFirst);
+  void writeHex(const char* form, const uint64_t (&record)[3], int textLength);
+  template <class T>
+  void writeDecoded(const ListTypeExpressionAST<T>& node);
+  template <class T>
+  void writeEncoded(const char* form, const T* elements, size_t count);
+  void writeDecodedTransform(const TransformHexExpressionAST& node);
+  [[noreturn]] void failDecoding(const char* form, const HexError& error) const;
   void writeElement(const Vector& value, Gap gap, int level) {
     writeTuple("Vector(", value.x, value.y, value.z, gap, level);
   }

@@ -439,6 +439,13 @@ TEST_F(ImportCommand, TruncatedModelLeavesNoFile) {
   }
 }
 
+TEST_F(ImportCommand, HexIsWhatEncodeMakesOfTheScene) {
+  imported("a.gltf", gltfNode(R"(, "translation": [0.1, 0, -3])"));
+  const std::string hex = kelp("import --hex a.gltf").out;
+  EXPECT_EQ(hex, kelp("encode imported.scene").out);
+  EXPECT_NE(hex, contents("imported.scene"));
+}
+
 TEST_F(ImportCommand, UsageIsChecked) {
   write("a.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n");
   EXPECT_EQ(kelp("import -").err,

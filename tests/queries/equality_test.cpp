@@ -128,6 +128,46 @@ TEST(Equality, BitsOfNumbersCount) {
   EXPECT_FALSE(areEqual(zeros.tree.get(), minusZeros.tree.get()));
 }
 
+TEST(Equality, ListsAreEqualInEitherForm) {
+  const struct {
+    const char* left;
+    const char* right;
+    bool equal;
+  } rows[] = {
+      {"ListInt(1, 2)", "ListIntHex(\"0100000002000000\")", true},
+      {"ListInt(1, 3)", "ListIntHex(\"0100000002000000\")", false},
+      {"ListInt(1)", "ListIntHex(\"0100000002000000\")", false},
+      {"ListIntHex(\"0a000000\")", "ListIntHex(\"0A000000\")", true},
+      {"ListIntHex(\"0a00000\")", "ListIntHex(\"0a00000\")", true},
+      {"ListIntHex(\"0a00000\")", "ListIntHex(\"0A00000\")", false},
+      {"ListInt(1)", "ListIntHex(\"0100000\")", false},
+      {"ListIntHex(\"0100000\")", "ListInt(1)", false},
+      {"ListFloat(1)", "ListFloatHex(\"0000803f\")", true},
+      {"ListVector(Vector(1, 1, 1))", "ListVectorHex(\"0000803F0000803f0000803f\")", true},
+      {"ListFloat(1)", "ListInt(1)", false},
+  };
+  for (const auto& row : rows) {
+    const ParsedExpression a(row.left);
+    const ParsedExpression b(row.right);
+    EXPECT_EQ(areEqual(a.tree.get(), b.tree.get()), row.equal) << row.left << " | " << row.right;
+  }
+  std::string digits;
+  for (int i = 0; i < 12; ++i) digits += "0000a03f";
+  const ParsedExpression a("TransformHex(\"" + digits + "\")");
+  std::string other = digits;
+  other[6] = 'A';
+  other[4] = 'A';
+  const ParsedExpression b("TransformHex(\"" + other + "\")");
+  EXPECT_FALSE(areEqual(a.tree.get(), b.tree.get()));
+  other = digits;
+  other[4] = 'A';
+  const ParsedExpression c("TransformHex(\"" + other + "\")");
+  EXPECT_TRUE(areEqual(a.tree.get(), c.tree.get()));
+  other[95] = '0';
+  const ParsedExpression d("TransformHex(\"" + other + "\")");
+  EXPECT_FALSE(areEqual(a.tree.get(), d.tree.get()));
+}
+
 TEST(Equality, WhereATextIsHeldAndTheSeedOfACallDoNotCount) {
   const std::string longText(5000, 'x');
   const ParsedExpression borrowed("\"" + longText + "\"");

@@ -108,10 +108,12 @@ TEST(SceneErrors, ErrorsInIncludedFilesNameThem) {
   const std::string main = files.write("a.scene", "A a {\n#include \"b.inc\"\n}");
   files.write("b.inc", "x = 1;\ny = ;\n");
   EXPECT_EQ(report(Scene::fromFile(main).error()),
-            path + ":2:5: Token \";\" not recognized as valid token\ny = ;\n    ^");
+            path + ":2:5: Token \";\" not recognized as valid token\ny = ;\n    ^\nincluded from " +
+                main + ":2");
   files.write("b.inc", "x = 1;\n\"y");
   EXPECT_EQ(report(Scene::fromFile(main).error()),
-            path + ":2:1: The string that begins on line 2 never ends\n\"y\n^");
+            path + ":2:1: The string that begins on line 2 never ends\n\"y\n^\nincluded from " +
+                main + ":2");
 }
 
 TEST(SceneErrors, TokenAndReaderMayStandInDifferentFiles) {
