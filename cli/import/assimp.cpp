@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <new>
 #include <string_view>
 
 namespace KelpCli {
@@ -47,9 +48,10 @@ void requireRegularFile(const std::string& file) {
   if (!isKnown || !S_ISREG(status.st_mode)) throw ModelFailure{"not a regular file"};
 }
 
-// The reason in one line.
+// The reason in one line. Throws std::bad_alloc where it is that.
 std::string lastError(const Assimp& assimp) {
   std::string_view reason = assimp.errorString();
+  if (reason == std::bad_alloc().what()) throw std::bad_alloc();
   reason = reason.substr(0, reason.find('\n'));
   return reason.empty() ? "Assimp gives no reason" : std::string(reason);
 }

@@ -33,7 +33,7 @@ struct Assimp {
 class Model {
  public:
   /// Reads a regular file. Its faces are triangles, apart from points and lines, and their indices
-  /// are in range. Throws ModelFailure.
+  /// are in range. Throws ModelFailure, and std::bad_alloc when memory runs out.
   explicit Model(const std::string& file);
   Model(const Model&) = delete;
   Model& operator=(const Model&) = delete;
