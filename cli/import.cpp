@@ -78,7 +78,7 @@ ExitCode ImportCommand::run() {
 #else
 
 ExitCode ImportCommand::run() {
-  complain("kelp was built without Assimp: install libassimp-dev and build again");
+  complain("import needs Assimp: install libassimp-dev and build Kelp again");
   return kTrouble;
 }
 

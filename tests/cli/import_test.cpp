@@ -13,10 +13,9 @@ class ImportCommand : public KelpTest::ProgramTest {};
 
 TEST_F(ImportCommand, WithoutAssimpSaysHowToGetIt) {
   write("a.stl", "solid a\nendsolid a\n");
-  EXPECT_EQ(kelp("import -o a.scene a.stl"),
-            (Outcome{2, "",
-                     "kelp: kelp was built without Assimp: install libassimp-dev and build "
-                     "again\n"}));
+  EXPECT_EQ(
+      kelp("import -o a.scene a.stl"),
+      (Outcome{2, "", "kelp: import needs Assimp: install libassimp-dev and build Kelp again\n"}));
   EXPECT_EQ(files(), "a.stl\n");
 }
 
