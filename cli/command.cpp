@@ -12,8 +12,8 @@ std::vector<std::unique_ptr<Command>> allCommands() {
   std::vector<std::unique_ptr<Command>> commands;
   for (const auto make :
        {checkCommand, decodeCommand, diffCommand, dumpCommand, encodeCommand, filterCommand,
-        formatCommand, graphCommand, lintCommand, listCommand, mergeCommand, showCommand,
-        statsCommand, helpCommand, completionCommand}) {
+        formatCommand, graphCommand, importCommand, lintCommand, listCommand, mergeCommand,
+        showCommand, statsCommand, helpCommand, completionCommand}) {
     commands.push_back(make());
   }
   return commands;

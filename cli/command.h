@@ -45,6 +45,7 @@ std::unique_ptr<Command> filterCommand();
 std::unique_ptr<Command> formatCommand();
 std::unique_ptr<Command> helpCommand();
 std::unique_ptr<Command> graphCommand();
+std::unique_ptr<Command> importCommand();
 std::unique_ptr<Command> lintCommand();
 std::unique_ptr<Command> listCommand();
 std::unique_ptr<Command> mergeCommand();

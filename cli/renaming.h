@@ -25,9 +25,9 @@ class Substitution {
   void _appendReplacement(std::string& result, const char* text, const regmatch_t* groups) const;
 
   struct Free {
-    void operator()(regex_t* pattern) const {
-      ::regfree(pattern);
-      delete pattern;
+    void operator()(regex_t* compiled) const {
+      ::regfree(compiled);
+      delete compiled;
     }
   };
   static constexpr size_t kGroups = 10;
