@@ -66,12 +66,11 @@ void readObjects(Scene::Parts& parts, const SceneSource& source, const ObjectCal
                  StreamResult& result) {
   ObjectStream stream(parts.parser);
   while (!result.stopped) {
+    const bool isTime = result.objects > 0 && result.objects % ParserState::kObjectsAtATime == 0;
+    if (parts.parser.onProgress && isTime) parts.parser.onProgress(parts.reader.bytesRead());
     ObjectAST* object = nextObject(stream, parts, source, result.error);
     if (object == nullptr) return;
     ++result.objects;
-    if (parts.parser.onProgress && result.objects % ParserState::kObjectsAtATime == 0) {
-      parts.parser.onProgress(parts.reader.bytesRead());
-    }
     ObjectFate fate;
     try {
       fate = callback(*object);
