@@ -12,7 +12,7 @@
 
 #include "kelp/parser/treeparser.h"
 #include "kelp/queries/statistics.h"
-#include "kelp/writers/treelisting.h"
+#include "kelp/writers/treewriter.h"
 
 namespace KelpBench {
 
@@ -304,8 +304,9 @@ void addOperations(std::vector<GrowthCase>& cases) {
     }
   }));
   cases.push_back(worksOn("listing", kReferring, [](Reading& reading, int) {
-    std::ostringstream out;
-    writeTreeListing(out, *reading.program.get());
+    std::string text;
+    TreeWriter writer([&text](std::string_view piece) { text += piece; });
+    writer.write(*reading.program.get());
   }));
   cases.push_back(worksOn("statistics", kReferring, [](Reading& reading, int) {
     for (int i = 0; i < kTimesCounted; ++i) {

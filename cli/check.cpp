@@ -8,12 +8,12 @@
 #include "cli/diagnostics.h"
 #include "cli/input.h"
 #include "cli/jobs.h"
-#include "cli/jsonwriter.h"
 #include "cli/objects.h"
 #include "cli/output.h"
 #include "kelp/queries/statistics.h"
 #include "kelp/source/sourcesreader.h"
 #include "kelp/utils/exceptions.h"
+#include "kelp/writers/jsontext.h"
 
 namespace KelpCli {
 
@@ -78,7 +78,7 @@ std::string statsLine(const std::string& name, const Figures& figures) {
       figures.megabytesPerSecond);
 }
 
-void writeFigures(JsonWriter& json, const Figures& figures) {
+void writeFigures(Kelp::JsonText& json, const Figures& figures) {
   json.key("bytes").integer(figures.bytes);
   json.key("objects").integer(figures.held.objects);
   json.key("properties").integer(figures.held.properties);
@@ -88,7 +88,7 @@ void writeFigures(JsonWriter& json, const Figures& figures) {
   json.key("megabytesPerSecond").number(figures.megabytesPerSecond);
 }
 
-void writeIncludes(JsonWriter& json, const std::vector<Kelp::SceneError::Include>& includes) {
+void writeIncludes(Kelp::JsonText& json, const std::vector<Kelp::SceneError::Include>& includes) {
   if (includes.empty()) return;
   json.key("includedFrom").beginArray();
   for (const auto& [file, line] : includes) {
@@ -100,7 +100,7 @@ void writeIncludes(JsonWriter& json, const std::vector<Kelp::SceneError::Include
   json.endArray();
 }
 
-void writeError(JsonWriter& json, const Kelp::SceneError& error) {
+void writeError(Kelp::JsonText& json, const Kelp::SceneError& error) {
   const bool unreadable = error.kind == Kelp::SceneError::Kind::kUnreadable;
   json.key("error").beginObject();
   json.key("kind").text(unreadable ? "unreadable" : "invalid");
@@ -120,7 +120,7 @@ void writeError(JsonWriter& json, const Kelp::SceneError& error) {
   json.endObject();
 }
 
-void writeJson(JsonWriter& json, const std::string& name, const Checked& checked) {
+void writeJson(Kelp::JsonText& json, const std::string& name, const Checked& checked) {
   json.beginObject();
   json.key("file").text(name);
   json.key("good").boolean(checked.good());
@@ -136,7 +136,7 @@ void writeJson(JsonWriter& json, const std::string& name, const Checked& checked
 ExitCode checkFile(const std::string& file, const Options& options, bool stats, Output& output) {
   const Checked checked = check(file, options, stats || options.json);
   if (options.json) {
-    JsonWriter json(output.stream());
+    Kelp::JsonText json(output.textSink());
     writeJson(json, shownName(file), checked);
   } else if (!checked.good()) {
     report(checked.error, options.colour);

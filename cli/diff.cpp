@@ -10,10 +10,10 @@
 #include "cli/command.h"
 #include "cli/diagnostics.h"
 #include "cli/input.h"
-#include "cli/jsonwriter.h"
 #include "cli/output.h"
 #include "kelp/ast/treetext.h"
 #include "kelp/queries/differences.h"
+#include "kelp/writers/jsontext.h"
 #include "kelp/writers/scenetextwriter.h"
 
 namespace KelpCli {
@@ -107,7 +107,7 @@ void writeText(MarkedLines& lines, const ObjectDifference& difference, int mostL
 
 // ---- JSON --------------------------------------------------------------------------------------
 
-void writeValue(JsonWriter& json, const char* key, const Kelp::PropertyAST* property) {
+void writeValue(Kelp::JsonText& json, const char* key, const Kelp::PropertyAST* property) {
   if (property == nullptr) return;
   std::string text;
   Kelp::SceneTextWriter writer([&text](std::string_view piece) { text += piece; });
@@ -117,7 +117,7 @@ void writeValue(JsonWriter& json, const char* key, const Kelp::PropertyAST* prop
   json.key(key).text(text);
 }
 
-void writeJson(JsonWriter& json, const ObjectDifference& difference) {
+void writeJson(Kelp::JsonText& json, const ObjectDifference& difference) {
   const auto& object = difference.before != nullptr ? *difference.before : *difference.after;
   json.beginObject();
   json.key("change").text(wordOf(markOf(difference)));
@@ -182,7 +182,7 @@ class DiffCommand final : public Command {
  private:
   void write(const std::vector<ObjectDifference>& differences) const {
     Output output(options.output);
-    JsonWriter json(output.stream());
+    Kelp::JsonText json(output.textSink());
     const bool toTerminal = options.output.empty() && wantsColours(options.colour, STDOUT_FILENO);
     MarkedLines lines(output.stream(), toTerminal);
     constexpr int kFewLines = 5;

@@ -5,8 +5,8 @@
 #include "cli/diagnostics.h"
 #include "cli/input.h"
 #include "cli/output.h"
-#include "cli/treejson.h"
-#include "kelp/writers/treelisting.h"
+#include "kelp/writers/jsonwriter.h"
+#include "kelp/writers/treewriter.h"
 
 namespace KelpCli {
 
@@ -36,9 +36,9 @@ class DumpCommand final : public Command {
     }
     Output output(options.output);
     if (asJson) {
-      writeTreeJson(output.stream(), shownName(file), *input.scene->program());
+      Kelp::JsonWriter(output.textSink()).write(*input.scene->program(), shownName(file));
     } else {
-      Kelp::writeTreeListing(output.stream(), *input.scene->program());
+      Kelp::TreeWriter(output.textSink()).write(*input.scene->program());
     }
     output.finish();
     return kGood;

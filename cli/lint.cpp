@@ -10,9 +10,9 @@
 #include "cli/diagnostics.h"
 #include "cli/input.h"
 #include "cli/jobs.h"
-#include "cli/jsonwriter.h"
 #include "cli/output.h"
 #include "kelp/ast/treetext.h"
+#include "kelp/writers/jsontext.h"
 
 namespace KelpCli {
 
@@ -30,7 +30,7 @@ void writeText(std::ostream& out, const std::string& file, const Kelp::Finding& 
   out << warningLine(shown, finding.message, finding.code, colour);
 }
 
-void writeJson(JsonWriter& json, const std::string& file, const Kelp::Finding& finding) {
+void writeJson(Kelp::JsonText& json, const std::string& file, const Kelp::Finding& finding) {
   json.beginObject();
   json.key("scene").text(file);
   if (const Kelp::PropertyAST* place = finding.place()) {
@@ -115,7 +115,7 @@ class LintCommand final : public Command {
       report(input.error, options.colour);
       return exitCodeOf(input.error);
     }
-    JsonWriter json(output.stream());
+    Kelp::JsonText json(output.textSink());
     ExitCode result = kGood;
     Kelp::lintProgram(*input.scene->program(), codes, [&](const Kelp::Finding& finding) {
       result = kInvalid;

@@ -8,9 +8,9 @@
 
 #include "cli/command.h"
 #include "cli/diagnostics.h"
-#include "cli/jsonwriter.h"
 #include "cli/objects.h"
 #include "cli/output.h"
+#include "kelp/writers/jsontext.h"
 
 namespace KelpCli {
 
@@ -36,7 +36,7 @@ struct Row {
             line > 0 ? file + ':' + std::to_string(line) : "-"};
   }
 
-  void write(JsonWriter& json) const {
+  void write(Kelp::JsonText& json) const {
     json.beginObject();
     json.key("type").text(type);
     json.key("name").text(name);
@@ -118,7 +118,7 @@ class ListCommand final : public Command {
 
   ExitCode run() override {
     Output output(options.output);
-    JsonWriter json(output.stream());
+    Kelp::JsonText json(output.textSink());
     Table table(output.stream());
     const auto show = [&](const Kelp::ObjectAST& object) {
       if (!matches(typePattern, object.type) || !matches(namePattern, object.name)) return;

@@ -2,12 +2,13 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <utility>
 
 #include "cli/command.h"
 #include "cli/diagnostics.h"
 #include "cli/objects.h"
 #include "cli/output.h"
-#include "cli/treejson.h"
+#include "kelp/writers/jsonwriter.h"
 #include "kelp/writers/scenetextwriter.h"
 
 namespace KelpCli {
@@ -32,8 +33,8 @@ struct Wanted {
 
 class Shower {
  public:
-  Shower(const Wanted& asked, bool asJson, std::ostream& stream)
-      : wanted(asked), json(asJson), out(stream) {}
+  Shower(const Wanted& asked, bool asJson, Kelp::TextSink textSink)
+      : wanted(asked), json(asJson), sink(std::move(textSink)) {}
 
   void see(const Kelp::ObjectAST& object) {
     if (!wanted.isObject(object)) return;
@@ -46,8 +47,10 @@ class Shower {
   /// Why nothing was shown; empty when something was.
   std::string complaint() const {
     if (any) return {};
-    if (!anyObject) return fmt::format("there is no object \"{}\"", wanted.object);
-    return fmt::format("\"{}\" has no property \"{}\"", wanted.object, wanted.property);
+    if (!anyObject)
+      return fmt::format("there is no object \"{}\"; kelp list names all objects", wanted.object);
+    return fmt::format("\"{0}\" has no property \"{1}\"; kelp show FILE {0} shows those it has",
+                       wanted.object, wanted.property);
   }
 
  private:
@@ -55,19 +58,17 @@ class Shower {
   void show(const Node& node) {
     const bool first = !any;
     any = true;
-    if (json) return writeNodeJson(out, node);
-    if (!first && !wanted.isProperty) out << '\n';
+    if (json) return Kelp::JsonWriter(sink).write(node);
+    if (!first && !wanted.isProperty) sink("\n");
     // One for each: a stream may have an object several times, which a scene has not.
-    Kelp::SceneTextWriter writer([this](std::string_view piece) {
-      out.write(piece.data(), static_cast<std::streamsize>(piece.size()));
-    });
+    Kelp::SceneTextWriter writer(sink);
     writer.write(node);
     writer.finish();
   }
 
   const Wanted& wanted;
   const bool json;
-  std::ostream& out;
+  const Kelp::TextSink sink;
   bool anyObject = false;
   bool any = false;
 };
@@ -106,7 +107,7 @@ class ShowCommand final : public Command {
     const std::string& file = options.files.front();
     const Wanted wanted(object);
     Output output(options.output);
-    Shower shower(wanted, options.json, output.stream());
+    Shower shower(wanted, options.json, output.textSink());
     const Kelp::SceneError error =
         forEachObject(file, options, [&shower](const Kelp::ObjectAST& each) { shower.see(each); });
     if (error.kind != Kelp::SceneError::Kind::kNone) {
@@ -114,7 +115,7 @@ class ShowCommand final : public Command {
       return exitCodeOf(error);
     }
     if (const std::string complaint = shower.complaint(); !complaint.empty()) {
-      complain(fmt::format("{}: {}; kelp list names all objects", file, complaint));
+      complain(fmt::format("{}: {}", file, complaint));
       return kInvalid;
     }
     output.finish();

@@ -11,10 +11,10 @@
 #include "cli/diagnostics.h"
 #include "cli/input.h"
 #include "cli/jobs.h"
-#include "cli/jsonwriter.h"
 #include "cli/objects.h"
 #include "cli/output.h"
 #include "kelp/queries/inventory.h"
+#include "kelp/writers/jsontext.h"
 
 namespace KelpCli {
 
@@ -68,7 +68,7 @@ void writeText(std::ostream& out, const std::string& name, const Kelp::Inventory
               sizesOf(held.largest()), withBars);
 }
 
-void writeCounts(JsonWriter& json, const char* key, const Counts& counts) {
+void writeCounts(Kelp::JsonText& json, const char* key, const Counts& counts) {
   json.key(key).beginArray();
   for (const auto& [name, count] : counts) {
     json.beginObject();
@@ -79,7 +79,7 @@ void writeCounts(JsonWriter& json, const char* key, const Counts& counts) {
   json.endArray();
 }
 
-void writeJson(JsonWriter& json, const std::string& name, const Kelp::Inventory& held,
+void writeJson(Kelp::JsonText& json, const std::string& name, const Kelp::Inventory& held,
                bool resolved) {
   json.beginObject();
   json.key("file").text(name);
@@ -114,7 +114,7 @@ ExitCode count(const std::string& file, const Options& options, Output& output) 
   if (error.kind != Kelp::SceneError::Kind::kNone) {
     report(error, options.colour);
   } else if (options.json) {
-    JsonWriter json(output.stream());
+    Kelp::JsonText json(output.textSink());
     writeJson(json, shownName(file), held, resolved);
   } else {
     writeText(output.stream(), shownName(file), held, resolved);

@@ -7,15 +7,13 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace Kelp {
+#include "kelp/writers/textbuffer.h"
 
-/// Takes a text piece by piece, in pieces of some 64 KiB. What it throws passes through.
-using TextSink = std::function<void(std::string_view)>;
+namespace Kelp {
 
 /// What stands between a piece and the one before it.
 enum class Gap {

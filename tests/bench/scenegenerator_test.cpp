@@ -2,19 +2,12 @@
 #include "bench/scenegenerator.h"
 
 #include <gtest/gtest.h>
+#include <rapidjson/document.h>
 
 #include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
-
-// As wide as in cli/jsonwriter.h: one program has one of it.
-#define RAPIDJSON_NO_SIZETYPEDEFINE
-namespace rapidjson {
-using SizeType = std::size_t;
-}  // namespace rapidjson
-
-#include <rapidjson/document.h>
 
 #include "kelp/scene.h"
 

@@ -3,7 +3,6 @@
 #include <sstream>
 #include <vector>
 
-#include "cli/jsonwriter.h"
 #include "tests/cli/program.h"
 // Behind the writer's header, which sets the width of its sizes.
 #include <rapidjson/document.h>

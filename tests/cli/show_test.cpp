@@ -63,10 +63,9 @@ TEST_F(ShowCommand, WhatIsNotThereIsSaid) {
   EXPECT_EQ(kelp("show a.scene none"),
             (Outcome{1, "",
                      "kelp: a.scene: there is no object \"none\"; kelp list names all objects\n"}));
-  EXPECT_EQ(
-      kelp("show a.scene pan.x"),
-      (Outcome{1, "",
-               "kelp: a.scene: \"pan\" has no property \"x\"; kelp list names all objects\n"}));
+  EXPECT_EQ(kelp("show a.scene pan.x"), (Outcome{1, "",
+                                                 "kelp: a.scene: \"pan\" has no property \"x\"; "
+                                                 "kelp show FILE pan shows those it has\n"}));
   EXPECT_EQ(
       kelp("show a.scene"),
       (Outcome{2, "", "kelp: show takes FILE and OBJECT[.PROPERTY]; kelp --help tells more\n"}));

@@ -3,15 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <ostream>
-#include <streambuf>
 #include <string>
 #include <string_view>
 
 #include "kelp/queries/statistics.h"
 #include "kelp/scene.h"
 #include "kelp/source/filebytes.h"
-#include "kelp/writers/treelisting.h"
+#include "kelp/writers/treewriter.h"
 #include "tests/exhaustion/parsing.h"
 #include "tests/support/sexpression.h"
 #include "tests/support/temporaryfiles.h"
@@ -75,23 +73,14 @@ class ReadOperation final : public Operation {
   Scene scene;
 };
 
-// Keeps a checksum of what is written and needs no memory for it.
-class ChecksumBuffer final : public std::streambuf {
+// A checksum of what is written, which needs no memory.
+class Checksum {
  public:
+  void add(std::string_view text) {
+    for (const char c : text) checksum = checksum * 1099511628211U + static_cast<unsigned char>(c);
+  }
+
   uint64_t checksum = 0;
-
- protected:
-  int overflow(int c) override {
-    add(static_cast<char>(c));
-    return c;
-  }
-  std::streamsize xsputn(const char* text, std::streamsize length) override {
-    for (std::streamsize i = 0; i < length; ++i) add(text[i]);
-    return length;
-  }
-
- private:
-  void add(char c) { checksum = checksum * 1099511628211U + static_cast<unsigned char>(c); }
 };
 
 // Writes and counts the tree of a scene.
@@ -102,8 +91,8 @@ class WriteOperation final : public Operation {
 
   void act() override {
     if (!scene) return;
-    std::ostream out(&buffer);
-    writeTreeListing(out, *scene.program());
+    TreeWriter writer([this](std::string_view piece) { buffer.add(piece); });
+    writer.write(*scene.program());
     listed = true;
     statistics = countProgram(*scene.program());
   }
@@ -123,7 +112,7 @@ class WriteOperation final : public Operation {
  private:
   Scene scene;
   const std::string tree;
-  ChecksumBuffer buffer;
+  Checksum buffer;
   bool listed = false;
   Statistics statistics;
 };

@@ -2,12 +2,12 @@
 #include <sstream>
 
 #include "kelp/scene.h"
-#include "kelp/writers/treelisting.h"
 #include "tests/fuzz/checks.h"
 #include "tests/fuzz/targets.h"
 #include "tests/models/mismatch.h"
 #include "tests/support/sexpression.h"
 #include "tests/support/smallstack.h"
+#include "tests/support/written.h"
 
 namespace KelpTest {
 
@@ -74,7 +74,7 @@ std::string outcomeOf(const Scene& scene, const Settings& settings) {
     out << scene.error();
     return out.str();
   }
-  writeTreeListing(out, *scene.program());
+  out << KelpTest::treeListing(*scene.program());
   if (settings.options.maxNestingDepth > 0) out << sexpression(*scene.program());
   return out.str();
 }

@@ -21,7 +21,6 @@
 
 #include "kelp/queries/statistics.h"
 #include "kelp/scene.h"
-#include "kelp/writers/treelisting.h"
 #include "tests/support/figures.h"
 #include "tests/support/filters.h"
 #include "tests/support/largescenes.h"
@@ -31,15 +30,13 @@
 #include "tests/support/temporaryfiles.h"
 
 using namespace Kelp;
+#include "tests/support/written.h"
+
 using namespace KelpTest;
 
 namespace {
 
-std::string listingOf(const ProgramAST& program) {
-  std::ostringstream out;
-  writeTreeListing(out, program);
-  return out.str();
-}
+std::string listingOf(const ProgramAST& program) { return treeListing(program); }
 
 // Reads every rich and every broken scene with everything a host can do to a program.
 std::string useEverything() {

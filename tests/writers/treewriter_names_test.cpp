@@ -5,18 +5,15 @@
 #include <string>
 
 #include "kelp/ast/auto_ast.h"
-#include "kelp/writers/treelisting.h"
+#include "kelp/writers/treewriter.h"
 #include "tests/support/programs.h"
+#include "tests/support/written.h"
 
 using namespace Kelp;
 
 namespace {
 
-std::string listing(const ProgramAST& program) {
-  std::ostringstream out;
-  writeTreeListing(out, program);
-  return out.str();
-}
+std::string listing(const ProgramAST& program) { return KelpTest::treeListing(program); }
 
 // What an object of that type is listed as.
 std::string listedType(const char* type) {

@@ -1,4 +1,4 @@
-#include "kelp/writers/treelisting.h"
+#include "kelp/writers/treewriter.h"
 
 #include <gtest/gtest.h>
 
@@ -9,6 +9,7 @@
 #include "kelp/parser/scenepluginfilter.h"
 #include "kelp/writers/numbertext.h"
 #include "tests/support/largescenes.h"
+#include "tests/support/written.h"
 
 using KelpTest::kDeepNesting;
 using KelpTest::repeated;
@@ -17,9 +18,7 @@ namespace {
 
 std::string listing(const Kelp::Scene& scene) {
   if (!scene) return "error: " + scene.error().message;
-  std::ostringstream out;
-  Kelp::writeTreeListing(out, *scene.program());
-  return out.str();
+  return KelpTest::treeListing(*scene.program());
 }
 
 std::string listing(const std::string& text, const Kelp::SceneOptions& options = {}) {

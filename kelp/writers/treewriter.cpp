@@ -1,7 +1,7 @@
-#include "kelp/writers/treelisting.h"
+#include "kelp/writers/treewriter.h"
 
-#include <ostream>
 #include <string>
+#include <utility>
 
 #include "kelp/ast/treetext.h"
 #include "kelp/ast/visitor.h"
@@ -96,9 +96,13 @@ std::string counted(const char* what, int64_t count) {
 
 // ---- the listing -------------------------------------------------------------------------------
 
-class Listing final : public Visitor {
+}  // namespace
+
+class TreeWriter::Listing final : public Visitor {
  public:
-  explicit Listing(std::ostream& output) : out(output) {}
+  explicit Listing(TextSink sink) : out(std::move(sink)) {}
+
+  TextBuffer out;
 
   void write(const ObjectAST& object) {
     out << name(object.type);
@@ -261,23 +265,23 @@ class Listing final : public Visitor {
     if (used > 0) out << '\n';
   }
 
-  std::ostream& out;
   WorkStack<Step> steps;
   Step current{};
   std::string firstLabel;
   std::string lineEnd;
 };
 
-}  // namespace
+TreeWriter::TreeWriter(TextSink sink) : listing(std::make_unique<Listing>(std::move(sink))) {}
+TreeWriter::~TreeWriter() = default;
 
-void writeTreeListing(std::ostream& out, const ProgramAST& program) {
-  Listing listing(out);
+void TreeWriter::write(const ProgramAST& program) {
   bool first = true;
   for (const ObjectAST* object : objectsInTextOrder(program)) {
-    if (!first) out << '\n';
+    if (!first) listing->out << '\n';
     first = false;
-    listing.write(*object);
+    listing->write(*object);
   }
+  listing->out.flush();
 }
 
 }  // namespace Kelp

@@ -1,4 +1,4 @@
-#include "cli/treejson.h"
+#include "kelp/writers/jsonwriter.h"
 
 #include <gtest/gtest.h>
 
@@ -8,14 +8,13 @@
 #include "kelp/parser/scenepluginfilter.h"
 #include "kelp/scene.h"
 #include "kelp/writers/numbertext.h"
+#include "tests/support/written.h"
 
 namespace {
 
 std::string treeJson(const Kelp::Scene& scene) {
   if (!scene) return "error: " + scene.error().message;
-  std::ostringstream out;
-  KelpCli::writeTreeJson(out, "a.scene", *scene.program());
-  return out.str();
+  return KelpTest::treeJson(*scene.program());
 }
 
 std::string treeJson(const std::string& text, const Kelp::SceneOptions& options = {}) {

@@ -1,21 +1,20 @@
-#include "cli/treejson.h"
+#include "kelp/writers/jsonwriter.h"
 
 #include <initializer_list>
+#include <utility>
 
-#include "cli/jsonwriter.h"
 #include "kelp/ast/treetext.h"
 #include "kelp/ast/visitor.h"
+#include "kelp/writers/jsontext.h"
 #include "kelp/writers/workstack.h"
 
-namespace KelpCli {
+namespace Kelp {
 
-namespace {
-
-using namespace Kelp;
-
-class TreeWriter final : public Visitor {
+class JsonWriter::Nodes final : public Visitor {
  public:
-  explicit TreeWriter(JsonWriter& jsonWriter) : json(jsonWriter) {}
+  explicit Nodes(TextSink sink) : json(std::move(sink)) {}
+
+  JsonText json;
 
   void write(const ObjectAST& object) {
     json.beginObject();
@@ -243,35 +242,32 @@ class TreeWriter final : public Visitor {
   void element(float value) { json.number(value); }
   void element(const CharString& value) { json.text(viewOf(value)); }
 
-  JsonWriter& json;
   WorkStack<Step> steps;
 };
 
-}  // namespace
+JsonWriter::JsonWriter(TextSink sink) : nodes(std::make_unique<Nodes>(std::move(sink))) {}
+JsonWriter::~JsonWriter() = default;
 
-void writeTreeJson(std::ostream& out, std::string_view sceneName, const ProgramAST& program) {
-  JsonWriter json(out);
-  TreeWriter tree(json);
+void JsonWriter::write(const ProgramAST& program, std::string_view sceneName) {
+  JsonText& json = nodes->json;
   json.beginObject();
   json.key("format").text("kelp-tree 1");
   json.key("scene").text(sceneName);
   json.key("objects").beginArray();
-  for (const ObjectAST* object : objectsInTextOrder(program)) tree.write(*object);
+  for (const ObjectAST* object : objectsInTextOrder(program)) nodes->write(*object);
   json.endArray();
   json.endObject();
   json.newLine();
 }
 
-void writeNodeJson(std::ostream& out, const ObjectAST& object) {
-  JsonWriter json(out);
-  TreeWriter(json).write(object);
-  json.newLine();
+void JsonWriter::write(const ObjectAST& object) {
+  nodes->write(object);
+  nodes->json.newLine();
 }
 
-void writeNodeJson(std::ostream& out, const PropertyAST& property) {
-  JsonWriter json(out);
-  TreeWriter(json).write(property);
-  json.newLine();
+void JsonWriter::write(const PropertyAST& property) {
+  nodes->write(property);
+  nodes->json.newLine();
 }
 
-}  // namespace KelpCli
+}  // namespace Kelp

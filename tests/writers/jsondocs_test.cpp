@@ -4,8 +4,8 @@
 #include <fstream>
 #include <sstream>
 
-#include "cli/treejson.h"
 #include "kelp/scene.h"
+#include "tests/support/written.h"
 
 namespace {
 
@@ -47,9 +47,7 @@ std::vector<Row> tableOfKinds() {
 std::string jsonOf(const std::string& value) {
   const Kelp::Scene scene = Kelp::Scene::fromText("A { x = " + value + "; }", "a.scene");
   if (!scene) return "error: " + scene.error().message;
-  std::ostringstream out;
-  KelpCli::writeTreeJson(out, "a.scene", *scene.program());
-  return out.str();
+  return KelpTest::treeJson(*scene.program());
 }
 
 }  // namespace

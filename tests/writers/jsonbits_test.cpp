@@ -1,17 +1,15 @@
 // What JSON text keeps when it is read back by another program.
 #include <gtest/gtest.h>
+#include <rapidjson/document.h>
 
 #include <bit>
-#include <sstream>
-
-#include "cli/jsonwriter.h"
-#include "cli/treejson.h"
-// Behind the writer's header, which sets the width of its sizes.
-#include <rapidjson/document.h>
+#include <functional>
 
 #include "kelp/ast/expressions.h"
 #include "kelp/scene.h"
+#include "kelp/writers/jsontext.h"
 #include "tests/support/largescenes.h"
+#include "tests/support/written.h"
 
 namespace {
 
@@ -24,10 +22,15 @@ rapidjson::Document readBack(const std::string& text) {
   return document;
 }
 
-std::string treeJson(const Kelp::Scene& scene) {
-  std::ostringstream out;
-  KelpCli::writeTreeJson(out, "a.scene", *scene.program());
-  return out.str();
+std::string treeJson(const Kelp::Scene& scene) { return KelpTest::treeJson(*scene.program()); }
+
+// What is written by the calls.
+std::string jsonText(const std::function<void(Kelp::JsonText&)>& write) {
+  std::string text;
+  Kelp::JsonText json([&text](std::string_view piece) { text += piece; });
+  write(json);
+  json.newLine();
+  return text;
 }
 
 const rapidjson::Value& valueOf(const rapidjson::Document& document) {
@@ -47,13 +50,13 @@ TEST(JsonBits, DoublesReadBackToTheSameBits) {
                            1e18,         1e19,
                            1e308,        0.30000000000000004,
                            123456789.125};
-  std::ostringstream out;
-  KelpCli::JsonWriter json(out);
-  json.beginArray();
-  for (const double value : values) json.number(value);
-  json.endArray();
-  const rapidjson::Document document = readBack(out.str());
-  ASSERT_FALSE(document.HasParseError()) << out.str();
+  const std::string text = jsonText([&values](Kelp::JsonText& json) {
+    json.beginArray();
+    for (const double value : values) json.number(value);
+    json.endArray();
+  });
+  const rapidjson::Document document = readBack(text);
+  ASSERT_FALSE(document.HasParseError()) << text;
   for (rapidjson::SizeType i = 0; i < std::size(values); ++i) {
     EXPECT_EQ(std::bit_cast<uint64_t>(document[i].GetDouble()), std::bit_cast<uint64_t>(values[i]))
         << values[i];
@@ -64,13 +67,13 @@ TEST(JsonBits, FloatsReadBackToTheSameBits) {
   const float values[] = {0.0F,        -0.0F,          0.1F,          1.0F / 3.0F,
                           1e-45F,      1.1754942e-38F, 3.4028235e38F, 1e-10F,
                           16777216.0F, 33554428.0F,    7.038531e-26F};
-  std::ostringstream out;
-  KelpCli::JsonWriter json(out);
-  json.beginArray();
-  for (const float value : values) json.number(value);
-  json.endArray();
-  const rapidjson::Document document = readBack(out.str());
-  ASSERT_FALSE(document.HasParseError()) << out.str();
+  const std::string text = jsonText([&values](Kelp::JsonText& json) {
+    json.beginArray();
+    for (const float value : values) json.number(value);
+    json.endArray();
+  });
+  const rapidjson::Document document = readBack(text);
+  ASSERT_FALSE(document.HasParseError()) << text;
   for (rapidjson::SizeType i = 0; i < std::size(values); ++i) {
     const auto read = static_cast<float>(document[i].GetDouble());
     EXPECT_EQ(std::bit_cast<uint32_t>(read), std::bit_cast<uint32_t>(values[i])) << values[i];
@@ -97,10 +100,9 @@ TEST(JsonBits, TextsReadBackCharacterForCharacter) {
   std::string text;
   for (int c = 1; c < 128; ++c) text += static_cast<char>(c);
   text += "\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x8C\xBF";
-  std::ostringstream out;
-  KelpCli::JsonWriter(out).text(text);
-  const rapidjson::Document document = readBack(out.str());
-  ASSERT_TRUE(document.IsString()) << out.str();
+  const std::string written = jsonText([&text](Kelp::JsonText& json) { json.text(text); });
+  const rapidjson::Document document = readBack(written);
+  ASSERT_TRUE(document.IsString()) << written;
   EXPECT_EQ(std::string(document.GetString(), document.GetStringLength()), text);
 }
 
