@@ -185,7 +185,8 @@ bool isLarge(const std::string& file) {
       file != "-" && ::stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode);
   if (!isRegular) return false;
   constexpr int64_t kUsualRatio = 8;  // of a text to what it is compressed to
-  return status.st_size * (isPlain(file) ? 1 : kUsualRatio) > kMemory / 4;
+  if (status.st_size * kUsualRatio <= kMemory / 4) return false;
+  return status.st_size > kMemory / 4 || !isPlain(file);
 }
 
 Kelp::TextInput standardInput() {
