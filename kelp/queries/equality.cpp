@@ -19,6 +19,13 @@ bool sameBits(double a, double b) {
   return std::bit_cast<uint64_t>(a) == std::bit_cast<uint64_t>(b);
 }
 
+template <size_t kCount>
+bool sameNumbers(const float (&a)[kCount], const float (&b)[kCount]) {
+  return std::equal(a, a + kCount, b, [](float left, float right) {
+    return std::bit_cast<uint32_t>(left) == std::bit_cast<uint32_t>(right);
+  });
+}
+
 bool sameElements(const PtrArray<CharString>& a, const PtrArray<CharString>& b) {
   return std::equal(a.data, a.data + a.count, b.data, b.data + b.count);
 }
@@ -73,8 +80,7 @@ class Comparison final : public Visitor {
     if (recordedText(node.textRef) == recordedText(other(node).textRef)) return;
     const HexTransform a = elementsOf(node);
     const HexTransform b = elementsOf(other(node));
-    require(a && b && std::memcmp(a.matrix, b.matrix, sizeof a.matrix) == 0 &&
-            std::memcmp(a.offset, b.offset, sizeof a.offset) == 0);
+    require(a && b && sameNumbers(a.matrix, b.matrix) && sameNumbers(a.offset, b.offset));
   }
   void visit(ObjectReferenceAST& node) override { require(node.name == other(node).name); }
   void visit(PropertyReferenceAST& node) override {
