@@ -13,7 +13,7 @@ namespace Kelp {
 SceneSource::SceneSource(std::string name, std::function<TextInput()> open)
     : sceneName(std::move(name)), openInput(std::move(open)) {}
 
-SceneSource SceneSource::file(std::string path) {
+SceneSource SceneSource::file(const std::string& path) {
   return {path, [path] { return TextInput::fromFile(path); }};
 }
 
@@ -21,7 +21,7 @@ SceneSource SceneSource::text(std::string_view text, std::string name) {
   return {std::move(name), [text] { return TextInput::fromText(text); }};
 }
 
-SceneSource SceneSource::descriptor(int descriptor, std::string name) {
+SceneSource SceneSource::descriptor(int descriptor, const std::string& name) {
   return {name, [descriptor, name] { return TextInput::fromDescriptor(descriptor, name); }};
 }
 

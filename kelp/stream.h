@@ -23,14 +23,14 @@ namespace Kelp {
 class SceneSource {
  public:
   /// A file, or a pipe or device that has a path.
-  static SceneSource file(std::string path);
+  static SceneSource file(const std::string& path);
 
   /// A text in memory, which is not copied and outlives the reading. The name stands in messages,
   /// and includes are looked up beside it.
   static SceneSource text(std::string_view text, std::string name = "<text>");
 
   /// An open file, pipe or socket, which stays the caller's and is read from where it stands.
-  static SceneSource descriptor(int descriptor, std::string name);
+  static SceneSource descriptor(int descriptor, const std::string& name);
 
   /// Whatever the function delivers. What it throws passes through, but InvalidSourceFile, which
   /// becomes the error of the scene.

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <sys/types.h>
-#include <time.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <ctime>
 #include <string>
 
 namespace Kelp {

@@ -39,15 +39,15 @@ class WordTable {
   constexpr bool _fill() {
     slots.fill(-1);
     for (size_t i = 0; i < N; ++i) {
-      int8_t& slot = slots[_slotOf(words[i])];
+      int16_t& slot = slots[_slotOf(words[i])];
       if (slot >= 0) return false;
-      slot = static_cast<int8_t>(i);
+      slot = static_cast<int16_t>(i);
     }
     return true;
   }
 
   std::array<std::string_view, N> words;
-  std::array<int8_t, size_t{1} << kSlotBits> slots{};
+  std::array<int16_t, size_t{1} << kSlotBits> slots{};
   uint32_t multiplier = 0x9E3779B1U;  // 2^32 over the golden ratio
 };
 
