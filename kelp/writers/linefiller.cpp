@@ -54,6 +54,7 @@ void LineFiller::addAsItIs(std::string_view text) {
 void LineFiller::finish() {
   decide(true);
   if (started) put("\n");
+  started = false;
   if (!output.empty()) sink(output);
   output.clear();
 }

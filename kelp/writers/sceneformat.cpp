@@ -152,7 +152,6 @@ void Layout::beginStatement(const Lexeme& token) {
   if (token.mark() == '}') return endBlock(token);
   if (staysOnLine) {
     filler.addAsItIs(" ");
-    isEmptyBlock = false;
   } else {
     startLine(token);
   }

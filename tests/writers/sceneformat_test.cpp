@@ -258,3 +258,14 @@ TEST(FormatText, GrammarIsNoBusinessOfTheLayout) {
     EXPECT_EQ(formatText(formatted), formatted);
   }
 }
+
+TEST(FormatText, LinesBehindATextOfSeveralLinesAreFilledToTheirEnd) {
+  const auto format = [](size_t characters) {
+    return formatText("A a { x = List(\"one\n" + std::string(characters, 'y') +
+                      "\", 12345, 6789); }");
+  };
+  EXPECT_EQ(format(84),
+            "A a {\n  x = List(\n    \"one\n" + std::string(84, 'y') + "\", 12345, 6789);\n}\n");
+  EXPECT_EQ(format(85), "A a {\n  x = List(\n    \"one\n" + std::string(85, 'y') +
+                            "\", 12345,\n    6789);\n}\n");
+}

@@ -429,3 +429,12 @@ TEST(SceneTextWriter, OverriddenAssignmentsAreLeftOutWhenWished) {
   out.writer.finish();
   EXPECT_EQ(out.text, "A a {\n  y = 2;\n  x = 4;\n}\n\nA b {\n  x = 5;\n}\n");
 }
+
+TEST(SceneTextWriter, FinishingTwiceWritesNothingTwice) {
+  const ParsedScene scene("A a { }");
+  TextWriter out;
+  out.writer.write(*scene.program.get());
+  out.writer.finish();
+  out.writer.finish();
+  EXPECT_EQ(out.text, "A a { }\n");
+}
