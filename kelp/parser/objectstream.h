@@ -38,7 +38,6 @@ class ObjectStream {
   void keep(ObjectAST* object, ProgramAST* program);
 
   /// Objects that next() has given.
-  int64_t objectCount() const { return objects; }
 
  private:
   // A token that was scanned but not used yet.

@@ -36,7 +36,7 @@ class WordTable {
     return (mix * multiplier) >> (32 - kSlotBits);
   }
 
-  constexpr bool _fill() {
+  consteval bool _fill() {
     slots.fill(-1);
     for (size_t i = 0; i < N; ++i) {
       int16_t& slot = slots[_slotOf(words[i])];

@@ -117,13 +117,17 @@ void NumberLiteral::_writeMagnitude(Value magnitude) {
     if (_try(magnitude, withoutEndingZeros(rounded.view()), rounded.exponent)) return;
   }
   if (_try(magnitude, shortest.view(), shortest.exponent)) return;
-  if constexpr (std::is_same_v<Value, float>) {
-    for (int count = 9; count <= kEnoughDigits; ++count) {
-      const Digits rounded = roundedDigits(wide, count);
-      if (_try(magnitude, rounded.view(), rounded.exponent)) return;
-    }
-  }
+  if (std::is_same_v<Value, float> && _tryMoreDigits(magnitude)) return;
   _search(wide);
+}
+
+template <class Value>
+bool NumberLiteral::_tryMoreDigits(Value magnitude) {
+  for (int count = 9; count <= kEnoughDigits; ++count) {
+    const Digits rounded = roundedDigits(static_cast<double>(magnitude), count);
+    if (_try(magnitude, rounded.view(), rounded.exponent)) return true;
+  }
+  return false;
 }
 
 // ---- the long way ------------------------------------------------------------------------------
@@ -140,9 +144,9 @@ void NumberLiteral::_search(double magnitude) {
     if (_searchWithExponent(magnitude, natural - shift)) return;
     if (_searchWithExponent(magnitude, natural + shift)) return;
   }
-  exact = false;
-  const Digits shortest = shortestDigits(magnitude);
-  _try(magnitude, shortest.view(), shortest.exponent);
+  exact = false;  // unreachable: no finite number is known that no literal reads back to
+  const Digits nearest = shortestDigits(magnitude);   // unreachable: likewise
+  _try(magnitude, nearest.view(), nearest.exponent);  // unreachable: likewise
 }
 
 bool NumberLiteral::_searchWithExponent(double magnitude, int exponent) {

@@ -182,3 +182,12 @@ TEST(TreeJson, FilteredObjectIsMarked) {
   read.filter(nothing);
   EXPECT_EQ(treeJson(read), scene(object("", "1")));
 }
+
+TEST(TreeJson, ObjectsAndPropertiesAreWrittenAloneToo) {
+  const Kelp::Scene scene = Kelp::Scene::fromText("A a { x = 1; }", "d/a.scene");
+  ASSERT_TRUE(scene) << scene.error();
+  const Kelp::ObjectAST& only = scene.objects()[0];
+  EXPECT_EQ(KelpTest::writtenBy<Kelp::JsonWriter>(only), object(property(number("1"))) + '\n');
+  EXPECT_EQ(KelpTest::writtenBy<Kelp::JsonWriter>(*only.firstProperty),
+            property(number("1")) + '\n');
+}

@@ -269,3 +269,10 @@ TEST(FormatText, LinesBehindATextOfSeveralLinesAreFilledToTheirEnd) {
   EXPECT_EQ(format(85), "A a {\n  x = List(\n    \"one\n" + std::string(85, 'y') +
                             "\", 12345,\n    6789);\n}\n");
 }
+
+TEST(FormatText, PiecesLongerThanAChunkAreHandedOnWhole) {
+  for (const size_t characters : {65530, 65536, 65537, 300000}) {
+    const std::string text = "A a {\n  x = \"" + std::string(characters, 'y') + "\";\n}\n";
+    EXPECT_TRUE(formatText(text) == text) << characters;
+  }
+}
