@@ -90,7 +90,8 @@ TEST(Compression, EveryTextComesBack) {
 TEST(Compression, FilesBehindEachOtherAreOne) {
   for (const Compression compression : kBoth) {
     const std::string both = compressed(compression, "one ") + compressed(compression, "two");
-    for (const size_t bytes : {1, 2, 1000}) EXPECT_EQ(contents(both, bytes, 100), "one two");
+    for (const size_t bytes : {size_t{1}, size_t{2}, size_t{1000}})
+      EXPECT_EQ(contents(both, bytes, 100), "one two");
   }
 }
 

@@ -271,7 +271,8 @@ TEST(FormatText, LinesBehindATextOfSeveralLinesAreFilledToTheirEnd) {
 }
 
 TEST(FormatText, PiecesLongerThanAChunkAreHandedOnWhole) {
-  for (const size_t characters : {65530, 65536, 65537, 300000}) {
+  for (const int length : {65530, 65536, 65537, 300000}) {
+    const auto characters = static_cast<size_t>(length);
     const std::string text = "A a {\n  x = \"" + std::string(characters, 'y') + "\";\n}\n";
     EXPECT_TRUE(formatText(text) == text) << characters;
   }
