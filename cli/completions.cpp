@@ -2,8 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-
 #include "cli/declared.h"
 
 namespace KelpCli {

@@ -2,7 +2,6 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 
 #include "cli/command.h"
 #include "cli/completions.h"

@@ -68,14 +68,15 @@ Kelp::TextInput::Read contentsOf(const std::string& file) {
 // Whether the library can read the file by itself. It says better than we could why it cannot.
 bool isPlain(const std::string& file) {
   if (file == "-") return false;
-  const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-  if (descriptor < 0) return true;
   struct stat status {};
+  if (::stat(file.c_str(), &status) != 0 || S_ISDIR(status.st_mode)) return true;
+  // A pipe is opened once only: whoever writes to it ends when a reader goes away.
+  if (!S_ISREG(status.st_mode)) return false;
+  const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) return true;
   char start[4];
-  const bool isRegular = ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
-  const ssize_t got = isRegular ? ::pread(descriptor, start, sizeof start, 0) : 0;
+  const ssize_t got = ::pread(descriptor, start, sizeof start, 0);
   ::close(descriptor);
-  if (!isRegular) return S_ISDIR(status.st_mode);
   const size_t bytes = got > 0 ? static_cast<size_t>(got) : 0;
   return compressionOf({start, bytes}) == Compression::kNone;
 }

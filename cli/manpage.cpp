@@ -2,9 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <cctype>
-
 #include "cli/declared.h"
 
 namespace KelpCli {

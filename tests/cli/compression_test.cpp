@@ -170,3 +170,14 @@ TEST_F(CompressedFiles, CountAsWhatComesOut) {
   EXPECT_EQ(shell("gzip zeros; \"$KELP\" check --max-bytes 5000 zeros.gz"),
             (Outcome{2, "", "zeros.gz: error: The scene has more than 5000 bytes\n"}));
 }
+
+TEST_F(CompressedFiles, MayComeThroughAPipeWithAName) {
+  for (const char* writer : {"cat a.scene", "gzip -c a.scene"}) {
+    for (const char* way : {"", "--stream "}) {
+      const std::string command = "mkfifo pipe; (" + std::string(writer) +
+                                  " >pipe; echo wrote $? >done) & sleep 0.2; \"$KELP\" list " +
+                                  way + "pipe | wc -l; wait; cat done; rm pipe done";
+      EXPECT_EQ(shell(command), (Outcome{0, "3\nwrote 0\n", ""})) << command;
+    }
+  }
+}

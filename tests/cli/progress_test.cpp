@@ -15,9 +15,9 @@ class ProgressLine : public KelpTest::ProgramTest {
   // What a terminal gets of a run on a scene that comes slowly.
   std::string onTerminal(const std::string& arguments) const {
     return shell(
-               "(cat a.scene; sleep 0.8; sed s/a/b/ a.scene) >slow.sh.fifo & "
+               "(cat a.scene; sleep 0.8; sed s/a/b/ a.scene) >slow & "
                "script -qec '$KELP " +
-               arguments + " <slow.sh.fifo' /dev/null </dev/null")
+               arguments + " <slow' /dev/null </dev/null")
         .out;
   }
 };
@@ -29,7 +29,7 @@ bool tellsProgress(const std::string& text) {
 }  // namespace
 
 TEST_F(ProgressLine, IsShownOfALongRunAndVanishes) {
-  ASSERT_EQ(shell("mkfifo slow.sh.fifo; script -qec true /dev/null </dev/null").exitCode, 0);
+  ASSERT_EQ(shell("mkfifo slow; script -qec true /dev/null </dev/null").exitCode, 0);
   for (const char* arguments : {"check -", "check --stream -", "stats --stream -"}) {
     const std::string text = onTerminal(arguments);
     EXPECT_TRUE(tellsProgress(text)) << text;
