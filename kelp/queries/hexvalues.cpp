@@ -44,7 +44,7 @@ void reverseEachNumber(Byte (&bytes)[kBytes]) {
 void turnToHostOrder([[maybe_unused]] Byte (&bytes)[kBlock / 2]) {
   if constexpr (std::endian::native == std::endian::big) {
     reverseEachNumber(bytes);  // unreachable: the tests run where the lowest byte comes first
-  }
+  }                            // unreachable: likewise
 }
 
 // Steps of one kind each, all of them of a known length. False when not all are digits.

@@ -289,13 +289,11 @@ SourceLocation Scanner::locate(int back) const {
 void Scanner::mark(Bookmark& bookmark) const {
   reader->mark(bookmark.reader);
   std::copy_n(starts, 2, bookmark.starts);
-  bookmark.failure = failure;
 }
 
 void Scanner::goBack(const Bookmark& bookmark) {
   reader->goBack(bookmark.reader);
   std::copy_n(bookmark.starts, 2, starts);
-  failure = bookmark.failure;
 }
 
 void Scanner::readOn() { reader->readOn(starts[0], starts[1]); }

@@ -61,10 +61,9 @@ class Scanner {
   struct Bookmark {
     SourcesReader::Bookmark reader;
     SourcePosition starts[2];
-    bool failure = false;
   };
 
-  /// Notes where scanning stands.
+  /// Notes where scanning stands, which has not failed.
   void mark(Bookmark& bookmark) const;
   /// Goes back there. Requires: no text has moved since.
   void goBack(const Bookmark& bookmark);

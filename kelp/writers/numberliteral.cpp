@@ -127,7 +127,7 @@ bool NumberLiteral::_tryMoreDigits(Value magnitude) {
     const Digits rounded = roundedDigits(static_cast<double>(magnitude), count);
     if (_try(magnitude, rounded.view(), rounded.exponent)) return true;
   }
-  return false;
+  return false;  // unreachable: no float is known that so many digits miss
 }
 
 // ---- the long way ------------------------------------------------------------------------------
@@ -147,7 +147,7 @@ void NumberLiteral::_search(double magnitude) {
   exact = false;  // unreachable: no finite number is known that no literal reads back to
   const Digits nearest = shortestDigits(magnitude);   // unreachable: likewise
   _try(magnitude, nearest.view(), nearest.exponent);  // unreachable: likewise
-}
+}  // unreachable: likewise
 
 bool NumberLiteral::_searchWithExponent(double magnitude, int exponent) {
   const double power = powerOfTen(exponent);

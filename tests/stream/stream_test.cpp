@@ -41,11 +41,15 @@ std::string namesOf(const Scene& scene) {
 std::string longString(char c) { return std::string(2000, c); }
 
 // What the one property of an object refers to.
-std::string_view textOf(const ObjectAST& object) {
+const uint64_t* recordOf(const ObjectAST& object) {
   ExpressionAST* value = object.firstProperty->value;
   const auto* string = dynamic_cast<StringExpressionAST*>(value);
   const auto* hex = dynamic_cast<ListTypeExpressionAST<int>*>(value);
-  const uint64_t* record = string != nullptr ? string->span : hex->textRef;
+  return string != nullptr ? string->span : hex->textRef;
+}
+
+std::string_view textOf(const ObjectAST& object) {
+  const uint64_t* record = recordOf(object);
   return {reinterpret_cast<const char*>(record[0]), record[1]};
 }
 
@@ -95,7 +99,8 @@ TEST(Stream, WhoKeepsAllHasTheWholeScene) {
 
 TEST(Stream, KeptObjectsOwnTheirLongTexts) {
   const TemporaryFiles files;
-  files.write("one.inc", "T c { s = \"" + longString('c') + "\"; }\n");
+  files.write("one.inc",
+              "T c { s = \"" + longString('c') + "\"; }\nT e { s = ListIntHex(\"\"); }\n");
   const std::string text = "T a { s = \"" + longString('a') + "\"; }\n" + "X x { s = \"" +
                            longString('x') + "\"; }\n" + "T b { s = \"" + longString('b') +
                            "\\\"\"; }\n" +
@@ -104,13 +109,19 @@ TEST(Stream, KeptObjectsOwnTheirLongTexts) {
   const std::string path = files.write("main.scene", text);
   for (const size_t window : std::initializer_list<size_t>{1, 3000, 100000}) {
     StreamResult result = forEachObject(SceneSource::file(path), keepType("T"), withWindow(window));
-    ASSERT_EQ(namesOf(result.kept), "abhcw");
+    ASSERT_EQ(namesOf(result.kept), "abhcew");
     const Scene kept = std::move(result.kept);
     EXPECT_EQ(textOf(*kept.find("a")), longString('a'));
     EXPECT_EQ(textOf(*kept.find("b")), longString('b') + '"');
     EXPECT_EQ(textOf(*kept.find("h")), "00ff");
     EXPECT_EQ(textOf(*kept.find("c")), longString('c'));
     EXPECT_EQ(textOf(*kept.find("w")), "");
+    EXPECT_EQ(textOf(*kept.find("e")), "");
+    for (const char* name : {"a", "b", "h", "c", "e"}) {
+      const auto owner = reinterpret_cast<uintptr_t>(&kept.reader().sceneText());
+      EXPECT_EQ(recordOf(*kept.find(name))[2], owner) << name;
+    }
+    EXPECT_EQ(recordOf(*kept.find("w"))[2], 0U);
   }
 }
 
