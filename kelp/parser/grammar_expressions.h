@@ -126,6 +126,8 @@ ExpressionAST* Grammar<Tokens>::_parseString() {
 template <class Tokens>
 double Grammar<Tokens>::parseSimpleNumber() {
   // number := [ "-" [ "+" ] | "+" ] literal
+  double plain = 0;
+  if (this->_takePlainNumber(&plain)) return plain;
   const bool negative = _at(TOKEN_MINUS);
   if (negative) _skip(TOKEN_MINUS);
   if (_at(TOKEN_PLUS)) _skip(TOKEN_PLUS);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
@@ -33,12 +34,14 @@ struct ElementForm;
 template <>
 struct ElementForm<Vector> {
   static constexpr const char* kKeyword = "Vector";
+  static constexpr std::string_view kOpening = "Vector(";
   static constexpr Message kKeywordMissing = Message::kVectorKeyword;
 };
 
 template <>
 struct ElementForm<Color> {
   static constexpr const char* kKeyword = "Color";
+  static constexpr std::string_view kOpening = "Color(";
   static constexpr Message kKeywordMissing = Message::kColorKeyword;
 };
 
@@ -89,9 +92,11 @@ ExpressionAST* Grammar<Tokens>::_parseNumberList(const char* name) {
   auto_ast<ListTypeExpressionAST<T>> list(new ListTypeExpressionAST<T>);
   _Sequence<T>& values = sequenceOf<T>(_state().scratch);
   values.restart();
-  while (!_at(TOKEN_RPAREN)) {
-    const T value = converted<T>(parseSimpleNumber());
-    *values.newElement() = value;
+  const auto append = [&values](double value) { *values.newElement() = converted<T>(value); };
+  for (;;) {
+    this->_takePlainNumbers(append);
+    if (_at(TOKEN_RPAREN)) break;
+    append(parseSimpleNumber());
     if (!_at(TOKEN_COMMA)) break;
     _skip(TOKEN_COMMA);
   }
@@ -111,17 +116,24 @@ ExpressionAST* Grammar<Tokens>::_parseElementList(const char* name) {
   auto_ast<ListTypeExpressionAST<T>> list(new ListTypeExpressionAST<T>);
   _Sequence<T>& values = sequenceOf<T>(_state().scratch);
   values.restart();
-  while (!_at(TOKEN_RPAREN)) {
+  const auto append = [&values](const double(&components)[3]) {
+    *values.newElement() = T{static_cast<float>(components[0]), static_cast<float>(components[1]),
+                             static_cast<float>(components[2])};
+  };
+  for (;;) {
+    this->_takePlainElements(Form::kOpening, append);
+    if (_at(TOKEN_RPAREN)) break;
     if (!this->_isSpelled(Form::kKeyword)) _fail(Form::kKeywordMissing);
     _advance();
     _expect(TOKEN_LPAREN, Message::kElementBegin, Form::kKeyword);
-    const auto first = static_cast<float>(parseSimpleNumber());
+    double components[3];
+    components[0] = parseSimpleNumber();
     _expect(TOKEN_COMMA, Message::kElementComma);
-    const auto second = static_cast<float>(parseSimpleNumber());
+    components[1] = parseSimpleNumber();
     _expect(TOKEN_COMMA, Message::kElementComma);
-    const auto third = static_cast<float>(parseSimpleNumber());
+    components[2] = parseSimpleNumber();
     _expect(TOKEN_RPAREN, Message::kElementEnd);
-    *values.newElement() = T{first, second, third};
+    append(components);
     if (!_at(TOKEN_COMMA)) break;
     _skip(TOKEN_COMMA);
   }

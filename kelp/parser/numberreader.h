@@ -8,6 +8,7 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 
 namespace Kelp {
 
@@ -29,12 +30,12 @@ double readNumberPlainly(const char** at);
 
 namespace NumberReader {
 
-/// How many of the 16 characters at `at` are digits before the first that is none.
-inline int countDigits(const char* at) {
+/// Which of the 16 characters at `at` are digits; the lowest bit speaks of the first.
+inline uint32_t findDigits(const char* at) {
   const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
   const __m128i digits = _mm_sub_epi8(block, _mm_set1_epi8('0'));
   const __m128i areDigits = _mm_cmpeq_epi8(_mm_min_epu8(digits, _mm_set1_epi8(9)), digits);
-  return std::countr_one(static_cast<uint32_t>(_mm_movemask_epi8(areDigits)));
+  return static_cast<uint32_t>(_mm_movemask_epi8(areDigits));
 }
 
 /// The integer that the first `count` characters spell, 1 to 8 digits. In pairs, then in fours,
@@ -79,13 +80,15 @@ inline double addFraction(double value, const char* at, int count, const double*
 
 inline double readNumber(const char** at) {
   const char* text = *at;
-  const int whole = NumberReader::countDigits(text);
+  const uint32_t digits = NumberReader::findDigits(text);
+  const int whole = std::countr_one(digits);
   if (whole > 8) return readNumberPlainly(at);
   double value = whole > 0 ? NumberReader::integerOf(text, whole) : 0.0;
   const char* end = text + whole;
   if (*end == '.') {
     const char* fraction = end + 1;
-    const int places = NumberReader::countDigits(fraction);
+    int places = std::countr_one(digits >> (whole + 1));
+    if (whole + 1 + places == 16) places = std::countr_one(NumberReader::findDigits(fraction));
     if (places == 16) return readNumberPlainly(at);
     end = fraction + places;
     if (*end == '#') return readNumberPlainly(at);
@@ -100,6 +103,33 @@ inline double readNumber(const char** at) {
   if ((*end | 0x20) == 'e') return readNumberPlainly(at);
   *at = end;
   return value;
+}
+
+// ---- what exporters write most -----------------------------------------------------------------
+
+/// A number with nothing between its sign and its digits: [ "-" ] literal. Moves `*at` behind it;
+/// false, and `*at` stays, where there is something else.
+inline bool readPlainNumber(const char** at, double* value) {
+  const uint64_t minus = **at == '-' ? 1 : 0;
+  const char* behind = *at + minus;
+  if (*behind < '0' || *behind > '9') return false;
+  // Without a branch: whether the next number is negative cannot be foretold.
+  *value = std::bit_cast<double>(std::bit_cast<uint64_t>(readNumber(&behind)) ^ (minus << 63U));
+  *at = behind;
+  return true;
+}
+
+/// Three such numbers: opening number "," [ " " ] number "," [ " " ] number ")".
+inline bool readPlainElement(const char** at, std::string_view opening, double (&values)[3]) {
+  if (std::memcmp(*at, opening.data(), opening.size()) != 0) return false;
+  const char* behind = *at + opening.size();
+  for (int i = 0; i < 3; ++i) {
+    if (!readPlainNumber(&behind, &values[i]) || *behind != (i < 2 ? ',' : ')')) return false;
+    ++behind;
+    if (i < 2 && *behind == ' ') ++behind;
+  }
+  *at = behind;
+  return true;
 }
 
 }  // namespace Kelp

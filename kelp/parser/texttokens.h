@@ -78,6 +78,19 @@ class TextTokens {
   bool _isCall();
 
   double _takeNumber();
+
+  // What exporters write most, without a look at each token. What has another form is left where it
+  // begins, for the rules.
+
+  /// A number with or without a minus, if it is plain.
+  bool _takePlainNumber(double* value);
+  /// Plain numbers up to the end of a list, each with the comma behind it: calls use(value).
+  template <class Use>
+  void _takePlainNumbers(Use use);
+  /// As _takePlainNumbers, for elements of three numbers: calls use(values).
+  template <class Use>
+  void _takePlainElements(std::string_view opening, Use use);
+
   PlacedName _takePropertyName();
   LongText _longText();
   RawArgument _rawArgument(bool skipped);
@@ -91,10 +104,12 @@ class TextTokens {
   SourcePosition lastEnd;
 
  private:
-  void _goOnFrom(const char* behindToken) {
+  void _goOnFrom(const char* behindToken) { _goTo(_skipSpace(behindToken)); }
+  void _goTo(const char* token) {
     end = nullptr;
-    at = _skipSpace(behindToken);
+    at = token;
   }
+  const char* _behindElement(const char* element);
   const char* _skipSpace(const char* from);
   const char* _skipLongSpace(const char* from);
   const char* _skipLineComment(const char* slash);
@@ -194,6 +209,46 @@ inline double TextTokens::_takeNumber() {
   const double value = readNumber(&behind);
   _goOnFrom(behind);
   return value;
+}
+
+inline bool TextTokens::_takePlainNumber(double* value) {
+  const char* behind = at;
+  if (!readPlainNumber(&behind, value)) return false;
+  _goOnFrom(behind);
+  return true;
+}
+
+// Where the next element of a list, or its end, may stand; null when neither a comma nor the end
+// follows at once.
+inline const char* TextTokens::_behindElement(const char* element) {
+  if (*element == ',') return _skipSpace(element + 1);
+  return *element == ')' ? element : nullptr;
+}
+
+template <class Use>
+inline void TextTokens::_takePlainNumbers(Use use) {
+  const char* element = at;
+  for (double value = 0;;) {
+    const char* next = element;
+    if (!readPlainNumber(&next, &value) || (next = _behindElement(next)) == nullptr) break;
+    use(value);
+    element = next;
+  }
+  _goTo(element);
+}
+
+template <class Use>
+inline void TextTokens::_takePlainElements(std::string_view opening, Use use) {
+  const char* element = at;
+  for (double values[3];;) {
+    const char* next = element;
+    if (!readPlainElement(&next, opening, values) || (next = _behindElement(next)) == nullptr) {
+      break;
+    }
+    use(values);
+    element = next;
+  }
+  _goTo(element);
 }
 
 }  // namespace Kelp

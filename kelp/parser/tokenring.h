@@ -88,6 +88,14 @@ class TokenRing : public TokenSlots, public ParserState {
 
   /// The value of the current number; moves past it.
   double _takeNumber();
+
+  // Tokens have no plain forms; all of them go by the rules.
+  static bool _takePlainNumber(double* /*value*/) { return false; }
+  template <class Use>
+  static void _takePlainNumbers(Use /*use*/) {}
+  template <class Use>
+  static void _takePlainElements(std::string_view /*opening*/, Use /*use*/) {}
+
   /// The current token, whatever it is, as a property's name; moves past it.
   PlacedName _takePropertyName();
   LongText _longText() const { return {tokens[current].overflowCount, tokens[current].overflow}; }

@@ -90,9 +90,32 @@ const std::array<Setting, 5> kSettings = {
     },
 };
 
-// Scenes of the corpora that are short enough to be damaged at every character.
+// What only the shorter road looks at: lists as exporters write them and nearly so, and lines that
+// begin inside a comment.
+const std::vector<std::string>& plainScenes() {
+  static const std::vector<std::string> scenes = {
+      "A a { x = ListInt(1, -2,3 ,+4, - 5, -+6, .5, -.5, 1.5e2,\n7, /* 8 */ 9); y = ListInt(1,); }",
+      "A a { x = ListFloat(-1.5,0.25,12345678.5, 123456789.5, -0, -0.0, 1., 1.#INF, -1.#IND); }",
+      "A a { x = ListVector(Vector(1, -2,3), Vector(-.5,1.,-1e3),Vector(1,  2, 3)); }",
+      "A a { x = ListVector(Vector( 1,2,3),Vector (1,2,3),Vector(1 ,2,3), Vector(1,2,3 )\n,"
+      "Vector(1,\n2,3),Vector(1,2,3),); }",
+      "A a { x = ListVector(Vector(1,2,3,), Vector(1,2,3)); }",
+      "A a { x = ListVector(Vector(1,2,3,)); }",
+      "A a { x = ListVector(Vector(1,2,3,); }",
+      "A a { x = ListVector(Vector(1,2), Vector(1,2,3)); }",
+      "A a { x = ListVector(Vector(1,2,3,4), Vector(1,2,3)); }",
+      "A a { x = ListVector(Vector(1)2,3), Vector(1,2,3)); }",
+      "A a { x = ListColor(Color(1, 2, 3), Color(1.25,-2, +3),Vector(1, 2, 3)); }",
+      "A a { x = ListInt(2147483647, -2147483648, 2147483648, 4e9, -4e9); y = -5; z = - 5; }",
+      "A a { x = 1; /*\n*/ y = 2; /* \n\n */ } /*\n */ A b { x = 5 /*\n*/ + /*\n */ 6; } C",
+  };
+  return scenes;
+}
+
+// Scenes that are short enough to be damaged at every character.
 std::vector<std::string> shortScenes() {
   std::vector<std::string> scenes = richScenes();
+  scenes.insert(scenes.end(), plainScenes().begin(), plainScenes().end());
   scenes.insert(scenes.end(), brokenScenes().begin(), brokenScenes().end());
   for (const char* prefix : {"y_", "n_", "i_"}) {
     for (const std::string& name : corpusNames(prefix)) {
