@@ -40,14 +40,20 @@ CharString SharedSpellings::share(std::string_view spelling) {
   if (!isInUse || spelling.size() > kLongest) return CharString(spelling);
   if (slots == nullptr) slots = std::make_unique<Slot[]>(kSlots);
   static_assert(kSlots == size_t{1} << 10);
-  Slot& slot = slots[mixOf(spelling) >> (64 - 10)];
-  const bool known = !slot.text.isNull() && slot.length == spelling.size() &&
-                     std::memcmp(slot.text.chars(), spelling.data(), spelling.size()) == 0;
-  if (!known) {
-    slot.text = CharString(spelling);
-    slot.length = spelling.size();
+  const uint64_t mix = mixOf(spelling);
+  Slot& slot = slots[mix >> (64 - 10)];
+  if (slot.mix == mix && slot.length == spelling.size() && !slot.text.isNull() &&
+      std::memcmp(slot.text.chars(), spelling.data(), spelling.size()) == 0) {
+    return slot.text;
   }
-  return slot.text;
+  CharString fresh(spelling);
+  if (slot.lastMix == mix) {
+    slot.text = fresh;
+    slot.length = spelling.size();
+    slot.mix = mix;
+  }
+  slot.lastMix = mix;
+  return fresh;
 }
 
 }  // namespace Kelp

@@ -52,19 +52,31 @@ TEST(KeptHandles, TreeHoldsEveryTextAlone) {
 }
 
 TEST(KeptHandles, NamesThatComeAgainShareOneBuffer) {
-  const ParsedScene scene("A a { x = b; } A b { x = b.x; y = b::v; }");
+  // Whether a name will come again is known when it does.
+  const ParsedScene scene("A c { y = d; } A a { y = d; x = b; } A b { y = 1; x = b.x; z = b::v; }");
   const ObjectAST& a = scene.object("a");
   const ObjectAST& b = scene.object("b");
   EXPECT_EQ(a.type.buffer, b.type.buffer);
   EXPECT_EQ(a.type.buffer->referenceCount, 2) << "whoever reads the scene holds nothing behind it";
-  EXPECT_EQ(a.firstProperty->name.buffer, b.firstProperty->name.buffer);
-  const CharString& name = as<ObjectReferenceAST>(a.firstProperty->value).name;
-  EXPECT_EQ(name.buffer, as<PropertyReferenceAST>(b.firstProperty->value).objectName.buffer);
-  EXPECT_EQ(name.buffer, as<RuntimeValueAST>(b.findProperty("y")->value).objectName.buffer);
-  EXPECT_EQ(name.buffer->referenceCount, 3);
+  EXPECT_NE(scene.object("c").type.buffer, a.type.buffer);
+  EXPECT_EQ(a.findProperty("y")->name.buffer, b.findProperty("y")->name.buffer);
+  const CharString& name = as<PropertyReferenceAST>(b.findProperty("x")->value).objectName;
+  EXPECT_EQ(name.buffer, as<RuntimeValueAST>(b.findProperty("z")->value).objectName.buffer);
+  EXPECT_EQ(name.buffer->referenceCount, 2);
+  EXPECT_NE(name.buffer, as<ObjectReferenceAST>(a.findProperty("x")->value).name.buffer);
   CharString written = a.type;
   written.append("more");
   EXPECT_STREQ(b.type.chars(), "A");
+}
+
+TEST(KeptHandles, NamesThatComeOnceDoNotDriveOutTheOthers) {
+  std::string text = "A a { often = 1; } A b { often = 2; }";
+  for (int i = 0; i < 20000; ++i) {
+    text += " B once" + std::to_string(i) + " { x = other" + std::to_string(i) + "; }";
+  }
+  const ParsedScene scene(text + " A c { often = 3; }");
+  EXPECT_EQ(scene.object("b").firstProperty->name.buffer,
+            scene.object("c").firstProperty->name.buffer);
 }
 
 TEST(KeptHandles, OutliveTheSceneAndTheReuseOfItsNodes) {
