@@ -17,6 +17,7 @@ void ObjectQueue::add(ObjectAST* object, double t1, double t2) {
   program._fetchBuckets(_at(next - 1).hashes);
   if (next - oldest > 1) program._fetchEntries(_at(next - 2).hashes);
   if (next - oldest > 2) program._fetchObjects(_at(next - 3).hashes);
+  if (next - oldest > 3) program._fetchNames(_at(next - 4).hashes);
 }
 
 void ObjectQueue::flush() {

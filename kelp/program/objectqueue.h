@@ -30,7 +30,7 @@ class ObjectQueue {
     double t2;
     ProgramAST::Hashes hashes;
   };
-  static constexpr unsigned kLength = 4;  // three steps to fetch, and time for the last
+  static constexpr unsigned kLength = 5;  // four steps to fetch, and time for the last
 
   Waiting& _at(unsigned place) { return waiting[place % kLength]; }
   void _addOldest();

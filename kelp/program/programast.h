@@ -66,6 +66,7 @@ class ProgramAST final : public AST {
   void _fetchBuckets(Hashes hashes) const;
   void _fetchEntries(Hashes hashes) const;
   void _fetchObjects(Hashes hashes) const;
+  void _fetchNames(Hashes hashes) const;
 
   /// addObject, with the object's hashes in hand.
   void _addHashed(ObjectAST* object, Hashes hashes, double t1, double t2,

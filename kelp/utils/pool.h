@@ -160,6 +160,7 @@ class Pool {
     PoolElement<T>* element = freeList;
     if (element != nullptr) {
       freeList = element->nextFree;
+      _fetch(element, kFetchedAhead);
     } else {
       element = sequence.newElement();
     }
@@ -172,6 +173,7 @@ class Pool {
   void freeElement(T* element) noexcept {
     auto* returned = static_cast<PoolElement<T>*>(element);
     assert(!_isFree(returned) && "an element is returned to its pool twice");
+    _fetch(returned, -kFetchedAhead);
     if (freeList == nullptr) oldestFree = returned;
     returned->nextFree = freeList;
     freeList = returned;
@@ -205,6 +207,15 @@ class Pool {
   }
 
  private:
+  static constexpr int kFetchedAhead = 768;  // bytes, what an object or two take of a pool
+
+  // A program is released from its newest object to its oldest, so elements come back nearly from
+  // the last to the first, and are handed out again from the first to the last: memory can be told
+  // in time. Any address may be fetched, also one outside of the block.
+  static void _fetch(const PoolElement<T>* element, int distance) {
+    __builtin_prefetch(reinterpret_cast<const char*>(element) + distance, 1);
+  }
+
   bool _isFree(const PoolElement<T>* element) const {
     return element->nextFree != nullptr || (freeList != nullptr && element == oldestFree);
   }
