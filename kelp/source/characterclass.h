@@ -8,15 +8,14 @@
 namespace Kelp {
 
 enum class CharacterClass : uint8_t {
-  kOther,       // starts no token
+  kOther,       // a token of one character, or none
   kBlank,       // space, tab, CR, VT, FF
   kNewline,     // LF
   kEnd,         // NUL: the padding, or a byte that no scene may hold
   kIdentifier,  // letter, underscore, byte above 127
   kDigit,
-  kPunctuation,  // a token of one character
-  kDot,          // a token, or the start of a number
-  kSlash,        // a token, or the start of a comment
+  kDot,    // a token, or the start of a number
+  kSlash,  // a token, or the start of a comment
   kQuote,
   kHash,  // starts #include at the start of a line
 };
@@ -35,7 +34,6 @@ consteval CharacterTables makeCharacterTables() {
   };
   set(" \t\r\v\f", CharacterClass::kBlank);
   set("\n", CharacterClass::kNewline);
-  set("(){};=+-*,[]:", CharacterClass::kPunctuation);
   set(".", CharacterClass::kDot);
   set("/", CharacterClass::kSlash);
   set("\"", CharacterClass::kQuote);

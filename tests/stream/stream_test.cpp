@@ -262,6 +262,17 @@ TEST(Stream, OfALongLineTheErrorHoldsThePartAroundTheToken) {
   }
 }
 
+TEST(Stream, OfALongLineOfBrokenCharactersTheErrorHoldsThePartAroundTheToken) {
+  const std::string broken = repeated("\x80", 100000);
+  const StreamResult result =
+      forEachObject(SceneSource::text("A a { } B { s = \"" + broken + "\"; x = 5 watts; }" +
+                                      std::string(100000, ' ')),
+                    dropAll, withWindow(1));
+  const std::string& line = result.error.sourceLine;
+  EXPECT_GE(line.find("watts"), 65536U - 20);
+  EXPECT_EQ(line.substr(0, 20), repeated("\x80", 20));
+}
+
 TEST(Stream, DroppedObjectsAndTheirTextsAreGone) {
   std::string text;
   for (int i = 0; i < 300; ++i) {
