@@ -117,17 +117,12 @@ void NumberLiteral::_writeMagnitude(Value magnitude) {
     if (_try(magnitude, withoutEndingZeros(rounded.view()), rounded.exponent)) return;
   }
   if (_try(magnitude, shortest.view(), shortest.exponent)) return;
-  if (std::is_same_v<Value, float> && _tryMoreDigits(magnitude)) return;
-  _search(wide);
-}
-
-template <class Value>
-bool NumberLiteral::_tryMoreDigits(Value magnitude) {
-  for (int count = 9; count <= kEnoughDigits; ++count) {
-    const Digits rounded = roundedDigits(static_cast<double>(magnitude), count);
-    if (_try(magnitude, rounded.view(), rounded.exponent)) return true;
+  if constexpr (std::is_same_v<Value, float>) {
+    // Of all floats these digits miss none.
+    const Digits nine = roundedDigits(wide, 9);
+    if (_try(magnitude, nine.view(), nine.exponent)) return;
   }
-  return false;  // unreachable: no float is known that so many digits miss
+  _search(wide);
 }
 
 // ---- the long way ------------------------------------------------------------------------------

@@ -36,8 +36,6 @@ class NumberLiteral {
   void _write(Value value);
   template <class Value>
   void _writeMagnitude(Value magnitude);
-  template <class Value>
-  bool _tryMoreDigits(Value magnitude);
   void _search(double magnitude);
   bool _searchWithExponent(double magnitude, int exponent);
   bool _searchPlain(double significand, int exponent);
