@@ -72,6 +72,16 @@ TEST(SceneErrors, LexicalErrorPointsAtWhatBeganThere) {
   for (const auto& [text, expected] : rows) EXPECT_EQ(reportOf(text), expected) << text;
 }
 
+TEST(SceneErrors, ExcerptTellsThatTheLineWasCutHoweverLittle) {
+  SceneError error;
+  error.tokenLine = 1;
+  error.column = 5;
+  error.sourceLine = "abcde";
+  EXPECT_EQ(error.excerpt(), "abcde\n    ^");
+  error.lineColumn = 2;  // its first character is the line's second
+  EXPECT_EQ(error.excerpt(), "...abcde\n      ^");
+}
+
 TEST(SceneErrors, FieldsOfASyntaxError) {
   const Scene scene = Scene::fromText("A a {\n  x = 1\n  y\n= 2;\n}", "dir/s.scene");
   const SceneError& error = scene.error();
