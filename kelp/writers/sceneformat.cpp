@@ -188,7 +188,6 @@ void Layout::endBlock(const Lexeme& token) {
   mayBeEmptyLine = true;
   isEmptyBlock = false;
   brackets = 0;
-  previous = token;
 }
 
 // What a token means for those that follow.

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "kelp/utils/exceptions.h"
+#include "tests/support/allocations.h"
 #include "tests/support/temporaryfiles.h"
 #include "tests/support/tokenlist.h"
 
@@ -40,6 +41,16 @@ class ScannerIncludes : public testing::Test {
 TEST_F(ScannerIncludes, TokensStandInPlaceOfTheLine) {
   files.write("b.inc", "b c");
   EXPECT_EQ(tokensOfMain("a\n#include \"b.inc\"\nd"), "id:a id:b id:c id:d");
+}
+
+TEST_F(ScannerIncludes, LinesOfATextAreForgottenWithIt) {
+  files.write("b.inc", "b ");
+  std::string text;
+  for (int i = 0; i < 500; ++i) text += "#include \"b.inc\"\n";
+  tokensOfMain(text);
+  const int64_t before = KelpTest::liveAllocations();
+  tokensOfMain(text);
+  EXPECT_LT(KelpTest::liveAllocations() - before, 10);
 }
 
 TEST_F(ScannerIncludes, WaysToWriteTheLine) {
