@@ -56,11 +56,25 @@ void expectVisited(Node* node, const char* name) {
   EXPECT_EQ(recorder.node, node) << name;
   DefaultVisitor idle;
   base->visit(idle);
-  base->deleteThis();
 }
 
-#define KELP_EXPECT_POOLED_VISITED(Class) expectVisited<Class>(Class::pool.newElement(), #Class)
-#define KELP_EXPECT_VISITED(Class) expectVisited(new Class, #Class)
+// What an element holds that was in use before is no children to release.
+template <class Node>
+void expectPooledVisited(const char* name) {
+  Node* node = Node::pool.newElement();
+  expectVisited(node, name);
+  Node::pool.freeElement(node);
+}
+
+template <class Node>
+void expectHeapVisited(const char* name) {
+  auto* node = new Node;
+  expectVisited(node, name);
+  node->deleteThis();
+}
+
+#define KELP_EXPECT_POOLED_VISITED(Class) expectPooledVisited<Class>(#Class)
+#define KELP_EXPECT_VISITED(Class) expectHeapVisited<Class>(#Class)
 
 TEST(Visitor, PooledNodesFindTheirOperation) {
   KELP_EXPECT_POOLED_VISITED(NumberExpressionAST);
