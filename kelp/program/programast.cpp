@@ -54,6 +54,7 @@ const char* charsOrEmpty(const CharString& text) {
 // and the beginning of the next.
 void fetchName(const ObjectAST& object) {
   const CharStringBuf* buffer = object.name.buffer;
+  if (buffer == nullptr) return;
   __builtin_prefetch(buffer);
   __builtin_prefetch(buffer + 1);
 }
