@@ -37,8 +37,6 @@ class ObjectStream {
   /// is gone then, or the program's.
   void keep(ObjectAST* object, ProgramAST* program);
 
-  /// Objects that next() has given.
-
  private:
   // A token that was scanned but not used yet.
   struct NotedToken {
