@@ -34,14 +34,12 @@ struct ElementForm;
 template <>
 struct ElementForm<Vector> {
   static constexpr const char* kKeyword = "Vector";
-  static constexpr std::string_view kOpening = "Vector(";
   static constexpr Message kKeywordMissing = Message::kVectorKeyword;
 };
 
 template <>
 struct ElementForm<Color> {
   static constexpr const char* kKeyword = "Color";
-  static constexpr std::string_view kOpening = "Color(";
   static constexpr Message kKeywordMissing = Message::kColorKeyword;
 };
 
@@ -121,7 +119,7 @@ ExpressionAST* Grammar<Tokens>::_parseElementList(const char* name) {
                              static_cast<float>(components[2])};
   };
   for (;;) {
-    this->_takePlainElements(Form::kOpening, append);
+    this->_takePlainElements(Form::kKeyword, append);
     if (_at(TOKEN_RPAREN)) break;
     if (!this->_isSpelled(Form::kKeyword)) _fail(Form::kKeywordMissing);
     _advance();

@@ -10,6 +10,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "kelp/source/characterclass.h"
+
 namespace Kelp {
 
 /// What parseNum multiplies the first digits behind a point with: 0.1, and each the one before
@@ -112,17 +114,18 @@ inline double readNumber(const char** at) {
 inline bool readPlainNumber(const char** at, double* value) {
   const uint64_t minus = **at == '-' ? 1 : 0;
   const char* behind = *at + minus;
-  if (*behind < '0' || *behind > '9') return false;
+  if (!isDigit(*behind)) return false;
   // Without a branch: whether the next number is negative cannot be foretold.
   *value = std::bit_cast<double>(std::bit_cast<uint64_t>(readNumber(&behind)) ^ (minus << 63U));
   *at = behind;
   return true;
 }
 
-/// Three such numbers: opening number "," [ " " ] number "," [ " " ] number ")".
-inline bool readPlainElement(const char** at, std::string_view opening, double (&values)[3]) {
-  if (std::memcmp(*at, opening.data(), opening.size()) != 0) return false;
-  const char* behind = *at + opening.size();
+/// Three such numbers: keyword "(" number "," [ " " ] number "," [ " " ] number ")".
+inline bool readPlainElement(const char** at, std::string_view keyword, double (&values)[3]) {
+  const char* behind = *at + keyword.size();
+  if (std::memcmp(*at, keyword.data(), keyword.size()) != 0 || *behind != '(') return false;
+  ++behind;
   for (int i = 0; i < 3; ++i) {
     if (!readPlainNumber(&behind, &values[i]) || *behind != (i < 2 ? ',' : ')')) return false;
     ++behind;

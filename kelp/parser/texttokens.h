@@ -87,9 +87,9 @@ class TextTokens {
   /// Plain numbers up to the end of a list, each with the comma behind it: calls use(value).
   template <class Use>
   void _takePlainNumbers(Use use);
-  /// As _takePlainNumbers, for elements of three numbers: calls use(values).
+  /// As _takePlainNumbers, for elements of a keyword and three numbers: calls use(values).
   template <class Use>
-  void _takePlainElements(std::string_view opening, Use use);
+  void _takePlainElements(std::string_view keyword, Use use);
 
   PlacedName _takePropertyName();
   LongText _longText();
@@ -238,11 +238,11 @@ inline void TextTokens::_takePlainNumbers(Use use) {
 }
 
 template <class Use>
-inline void TextTokens::_takePlainElements(std::string_view opening, Use use) {
+inline void TextTokens::_takePlainElements(std::string_view keyword, Use use) {
   const char* element = at;
   for (double values[3];;) {
     const char* next = element;
-    if (!readPlainElement(&next, opening, values) || (next = _behindElement(next)) == nullptr) {
+    if (!readPlainElement(&next, keyword, values) || (next = _behindElement(next)) == nullptr) {
       break;
     }
     use(values);

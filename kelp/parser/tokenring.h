@@ -94,7 +94,7 @@ class TokenRing : public TokenSlots, public ParserState {
   template <class Use>
   static void _takePlainNumbers(Use /*use*/) {}
   template <class Use>
-  static void _takePlainElements(std::string_view /*opening*/, Use /*use*/) {}
+  static void _takePlainElements(std::string_view /*keyword*/, Use /*use*/) {}
 
   /// The current token, whatever it is, as a property's name; moves past it.
   PlacedName _takePropertyName();
