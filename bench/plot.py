@@ -43,10 +43,11 @@ class Drawing:
             f'<rect x="{min(x1, x2):.1f}" y="{y:.1f}" width="{abs(x2 - x1):.1f}" '
             f'height="{height}" fill="{color}" fill-opacity="{opacity}"/>')
 
-    def polyline(self, points, color):
+    def polyline(self, points, color, dashes="none"):
         path = " ".join(f"{x:.1f},{y:.1f}" for x, y in points)
         self.elements.append(
-            f'<polyline points="{path}" fill="none" stroke="{color}" stroke-width="1.8"/>')
+            f'<polyline points="{path}" fill="none" stroke="{color}" stroke-width="1.8" '
+            f'stroke-dasharray="{dashes}"/>')
         for x, y in points:
             self.elements.append(f'<circle cx="{x:.1f}" cy="{y:.1f}" r="2.6" fill="{color}"/>')
 
@@ -153,14 +154,14 @@ def slope(points):
                                         [math.log(y) for _, y in points]).slope
 
 
-def curves_of(benchmarks, content):
+def curves_of(benchmarks, content, figure):
     """{reader: [(megabytes, seconds), ...]} with the megabytes of scene text."""
     curves = {}
     for (name, megabytes), rounds in benchmarks.items():
         if name != content:
             continue
         for reader in readers_of(rounds):
-            seconds = statistics.median(r[f"{reader}.first"] for r in rounds)
+            seconds = statistics.median(r[f"{reader}.{figure}"] for r in rounds)
             curves.setdefault(reader, []).append((megabytes, seconds))
     return curves
 
@@ -180,24 +181,30 @@ def draw_sizes(result, benchmarks, path):
     rows = (len(contents) + 1) // 2
     drawing = Drawing(2 * width + 20, 80 + rows * height, "Seconds against MB of scene text")
     drawing.text(20, 50, subtitle(result), size=11, color="#6b7280")
-    drawing.text(20, 68, "Whole tree, processor time, first parse of a process. The number behind "
-                 "a name is the exponent of the size: 1 is a straight line.",
-                 size=11, color="#6b7280")
+    drawing.text(20, 68, "Whole tree, processor time. Solid: first parse of a process, in fresh "
+                 "memory; dashed: again in the same one. Behind a name the exponents of the size, "
+                 "first and again: 1 is a straight line.", size=11, color="#6b7280")
     for i, content in enumerate(contents):
         x, y = 60 + i % 2 * width, 110 + i // 2 * height
-        curves = curves_of(benchmarks, content)
-        points = [point for curve in curves.values() for point in curve]
+        first, again = (curves_of(benchmarks, content, figure) for figure in ("first", "again"))
+        points = [point for curves in (first, again) for curve in curves.values()
+                  for point in curve]
         x_scale = LogScale(1, max(p[0] for p in points) / 1.1, x, x + 310)
         y_scale = LogScale(min(p[1] for p in points), max(p[1] for p in points), y + 280, y + 10)
         drawing.text(x, y, content, size=14, weight="600")
         draw_axes(drawing, x_scale, y_scale)
-        for line, (reader, curve) in enumerate(curves.items()):
-            drawing.polyline([(x_scale.at(a), y_scale.at(b)) for a, b in curve], COLORS[reader])
-            label = f"{reader} {slope(curve):.3f}" if len(curve) > 1 else reader
+        for line, reader in enumerate(first):
+            label = reader
+            for curve, dashes in ((first[reader], "none"), (again[reader], "5 4")):
+                drawing.polyline([(x_scale.at(a), y_scale.at(b)) for a, b in curve],
+                                 COLORS[reader], dashes)
+                label += f" {slope(curve):.2f}" if len(curve) > 1 else ""
             drawing.text(x + 325, y + 30 + 20 * line, label, color=COLORS[reader], weight="600")
-            print(f"{content}: {label}, {curve[0][0]:.0f} to {curve[-1][0]:.0f} MB, "
-                  f"{curve[0][1] / curve[0][0] * 1e3:.2f} to "
-                  f"{curve[-1][1] / curve[-1][0] * 1e3:.2f} ns a byte")
+            print(f"{content}: {label}, ns a byte of scene text, first/again:",
+                  ", ".join(f"{megabytes:.0f} MB {seconds / megabytes * 1e3:.2f}/"
+                            f"{repeated / megabytes * 1e3:.2f}"
+                            for (megabytes, seconds), (_, repeated)
+                            in zip(first[reader], again[reader])))
     drawing.save(path)
 
 
@@ -207,8 +214,8 @@ def main():
     with open(sys.argv[1], encoding="utf-8") as file:
         result = json.load(file)
     benchmarks = rounds_by_benchmark(result)
-    is_repeated = all("Kelp.again" in rounds[0] for rounds in benchmarks.values())
-    (draw_ratios if is_repeated else draw_sizes)(result, benchmarks, sys.argv[2])
+    is_of_sizes = len(benchmarks) > len({content for content, _ in benchmarks})
+    (draw_sizes if is_of_sizes else draw_ratios)(result, benchmarks, sys.argv[2])
 
 
 main()

@@ -86,7 +86,7 @@ class Contest {
       state.counters[std::string(kind.name) + "." + what] = value;
     };
     put("first", first.parseSeconds);
-    if (!options.sizes) put("again", worker.run().parseSeconds);
+    put("again", worker.run().parseSeconds);
     put("release", first.releaseSeconds);
     put("peak", static_cast<double>(first.peakBytes));
     put("allocations", static_cast<double>(first.allocations));

@@ -1,7 +1,6 @@
 #include "bench/report.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 #include <functional>
 #include <map>
@@ -85,34 +84,32 @@ void printRatio(const Quartiles& ratio) {
 
 void printReader(const Rounds& rounds, const std::string& reader) {
   const auto median = [&](const char* what) { return rounds.median(reader + "." + what); };
-  const bool isRepeated = rounds.has(reader + ".again");
   const double parse = median("first");
   const double values = rounds.median("values");
   const double bytes = median("bytes");
   std::printf("  %-10s %7.1f %8.1f %8.1f %8.0f %9.1f %8.3f %9.3f %8.1f", reader.c_str(),
-              bytes / 1e6, parse * 1e3, isRepeated ? median("again") * 1e3 : std::nan(""),
-              bytes / parse / 1e6, parse / values * 1e9,
-              rounds.ratio(reader + ".release", reader + ".first").median,
+              bytes / 1e6, parse * 1e3, median("again") * 1e3, bytes / parse / 1e6,
+              parse / values * 1e9, rounds.ratio(reader + ".release", reader + ".first").median,
               median("allocations") / values, median("peak") / 1e6);
   if (rounds.has("Kelp.first") && reader != "Kelp") {
     printRatio(rounds.ratio("Kelp.first", reader + ".first"));
-    if (isRepeated) printRatio(rounds.ratio("Kelp.again", reader + ".again"));
+    printRatio(rounds.ratio("Kelp.again", reader + ".again"));
   }
   std::printf("\n");
 }
 
-double estimate(const Rounds& rounds, const char* reader, double toYyjson) {
-  const std::string parse = std::string(reader) + ".first";
-  if (!rounds.has("Kelp.first") || !rounds.has(parse)) return 0;
-  return rounds.ratio("Kelp.first", parse).median * toYyjson;
+void printEstimate(const Rounds& rounds, const std::string& reader, double toYyjson) {
+  const std::string parse = reader + ".first";
+  if (!rounds.has("Kelp.first") || !rounds.has(parse)) return;
+  std::printf("  Kelp / yyjson, ESTIMATED by way of %s: %.2f\n", reader.c_str(),
+              rounds.ratio("Kelp.first", parse).median * toYyjson);
 }
 
-void printEstimate(const Rounds& rounds, const std::string& content) {
+void printEstimates(const Rounds& rounds, const std::string& content) {
   for (const Relation& relation : kToYyjson) {
     if (content.rfind(relation.content, 0) != 0) continue;
-    std::printf("  Kelp / yyjson, ESTIMATED: %.2f by way of RapidJSON, %.2f of simdjson\n",
-                estimate(rounds, "RapidJSON", relation.rapidJson),
-                estimate(rounds, "simdjson", relation.simdJson));
+    printEstimate(rounds, "RapidJSON", relation.rapidJson);
+    printEstimate(rounds, "simdjson", relation.simdJson);
   }
 }
 
@@ -143,7 +140,7 @@ void Report::ReportRuns(const std::vector<Run>& runs) {
   for (const ReaderKind& kind : readerKinds()) {
     if (rounds.has(std::string(kind.name) + ".first")) printReader(rounds, kind.name);
   }
-  printEstimate(rounds, content);
+  printEstimates(rounds, content);
   printMemory(rounds);
   std::fflush(stdout);
 }
