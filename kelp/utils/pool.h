@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include "kelp/utils/criticalsection.h"
 #include "kelp/utils/exceptions.h"
@@ -23,7 +24,8 @@ template <class E>
 struct DefaultAllocator {
   static_assert(alignof(E) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__);
 
-  /// Room for `number` elements, or null when there is no memory; frees with deallocate.
+  /// Room for `number` elements, or null when there is no memory; frees with deallocate. Others may
+  /// throw instead.
   static E* allocate(int number) noexcept {
     return static_cast<E*>(::operator new(static_cast<size_t>(number) * sizeof(E), std::nothrow));
   }
@@ -116,14 +118,15 @@ class _Sequence {
   [[gnu::noinline]] void _appendBlock() {
     // All blocks are full here, so no count of elements ever passes INT_MAX.
     const bool countable = isCountable(handedOut, elementsPerBlock);
-    void* header = countable ? ::operator new(sizeof(Block), std::nothrow) : nullptr;
-    E* elements = header != nullptr ? Allocator::allocate(elementsPerBlock) : nullptr;
-    if (elements == nullptr) {
-      ::operator delete(header);
-      throw ExceptionMsg("[_SequenceBlock] Could not allocate memory");
-    }
+    struct Header {
+      void* memory;
+      ~Header() { ::operator delete(memory); }
+    } header{countable ? ::operator new(sizeof(Block), std::nothrow) : nullptr};
+    E* elements = header.memory != nullptr ? Allocator::allocate(elementsPerBlock) : nullptr;
+    if (elements == nullptr) throw ExceptionMsg("[_SequenceBlock] Could not allocate memory");
     for (int i = 0; i < elementsPerBlock; ++i) new (&elements[i]) E();
-    Block* block = new (header) Block{nullptr, current, 0, elementsPerBlock, elements};
+    void* place = std::exchange(header.memory, nullptr);
+    Block* block = new (place) Block{nullptr, current, 0, elementsPerBlock, elements};
     (current != nullptr ? current->next : first) = block;
     current = block;
     bytes += int64_t{elementsPerBlock} * int64_t{sizeof(E)} + int64_t{sizeof(Block)};

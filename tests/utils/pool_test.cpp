@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -81,6 +82,18 @@ TEST(Pool, Element1001OpensTheSecondBlock) {
   EXPECT_EQ(pool.blockCount(), 2);
   EXPECT_EQ(pool.bytesAllocated(), 2 * kBlockBytes);
   EXPECT_EQ(pool.liveCount(), 1001);
+}
+
+TEST(Pool, BlockWhoseElementsAreRefusedLeavesNothing) {
+  struct Refusing {
+    static Node* allocate(int) { throw std::bad_alloc(); }
+    static void deallocate(Node*) noexcept {}
+  };
+  _Sequence<Node, 1000, true, false, Refusing> sequence;
+  const int64_t before = liveAllocations();
+  EXPECT_THROW(sequence.newElement(), std::bad_alloc);
+  EXPECT_EQ(liveAllocations(), before);
+  EXPECT_EQ(sequence.blockCount(), 0);
 }
 
 TEST(Pool, ElementsOfABlockComeInOrderAndFresh) {
