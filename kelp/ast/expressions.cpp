@@ -38,8 +38,11 @@ void releaseChildren(ExpressionAST* (&children)[number]) {
 }
 
 // The child as a node of the given class, null when it is of another class.
+// A class that a host has derived from it has operations of its own, and is asked for them.
 NegatedExpressionAST* asNegated(ExpressionAST* child) {
-  return dynamic_cast<NegatedExpressionAST*>(child);
+  const bool same =
+      child != nullptr && &typeid(*child) == &typeid(PoolElement<NegatedExpressionAST>);
+  return same ? static_cast<NegatedExpressionAST*>(child) : nullptr;
 }
 BinaryExpressionAST* asBinary(ExpressionAST* child) {
   // The class is final, so comparing type_info addresses is enough and far cheaper than a cast.

@@ -7,7 +7,8 @@ namespace Kelp {
 namespace {
 
 // Finds, for every class, the first child that has not been released yet. Nodes of a host's own
-// classes count as leaves: their deleteThis() knows what to do.
+// classes count as leaves, if they do not show themselves as one of ours: their deleteThis() knows
+// what to do.
 class NextChild final : public DefaultVisitor {
  public:
   using DefaultVisitor::visit;

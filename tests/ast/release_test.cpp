@@ -117,6 +117,25 @@ TEST(Release, NegationsGoInnermostFirst) {
   negated(nullptr)->deleteThis();
 }
 
+TEST(Release, NegationsOfTheHostsOwnClassAreAsked) {
+  struct HostNegation : NegatedExpressionAST {
+    void deleteThis() override { ++released; }
+    ExpressionAST* getIth(int i) override {
+      asked.push_back(i);
+      return nullptr;
+    }
+    int released = 0;
+    std::vector<int> asked;
+  } host;
+  NegatedExpressionAST* node = negated(&host);
+  EXPECT_EQ(node->getIth(2), nullptr);
+  EXPECT_EQ(host.asked, std::vector<int>{2});
+  const int live = livePoolElements();
+  node->deleteThis();
+  EXPECT_EQ(host.released, 1);
+  EXPECT_EQ(livePoolElements(), live - 1);
+}
+
 TEST(Release, SumsGoLeftRightAndThenThemselves) {
   std::vector<ExpressionAST*> terms;
   for (int i = 0; i < 5; ++i) terms.push_back(number(i));
