@@ -97,8 +97,13 @@ void fetchForRelease(const ObjectAST& object) {
   __builtin_prefetch(object.next->next);
 }
 
+// A string without a buffer and one whose buffer holds nothing are both absent.
+bool areSame(const CharString& a, const CharString& b) {
+  return a == b || (a.chars() == nullptr && b.chars() == nullptr);
+}
+
 bool isSameName(const ObjectAST& a, const ObjectAST& b) {
-  return a.type == b.type && a.name == b.name;
+  return areSame(a.type, b.type) && areSame(a.name, b.name);
 }
 
 }  // namespace
@@ -185,10 +190,11 @@ void ProgramAST::_addHashed(ObjectAST* object, Hashes hashes, double t1, double 
   // two different objects one key.
   if (search.present != nullptr && isSameName(*search.present->value, *object)) {
     ObjectAST* existing = search.present->value;
-    // Reported first, being the only step that can fail: afterwards the newcomer is gone.
-    if (mergedObjects != nullptr) *mergedObjects += existing;
+    // Room for the report first, the only step that can fail: afterwards the newcomer is gone.
+    if (mergedObjects != nullptr) mergedObjects->makeRoom();
     existing->merge(object, t1, t2);
     object->deleteThis();
+    if (mergedObjects != nullptr) *mergedObjects += existing;
     return;
   }
   // On the list before anything can fail: from here on the program owns the object.

@@ -25,9 +25,14 @@ class Table {
   /// Throws std::bad_alloc when memory runs out, and then the table is unchanged.
   Table& operator+=(const T& item) {
     const T copy = item;
-    if (count >= capacity) _grow(int64_t{count} + 1);
+    makeRoom();
     data[count++] = copy;
     return *this;
+  }
+
+  /// Grows as the next += would, which then cannot fail. Throws std::bad_alloc, changing nothing.
+  void makeRoom() {
+    if (count >= capacity) _grow(int64_t{count} + 1);
   }
 
   /// Appends `number` items that are not the table's own, in one go. Throws as operator+= does.

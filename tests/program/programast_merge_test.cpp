@@ -41,6 +41,31 @@ TEST(MergeProgram, HandsTheNewestOverFirstAndLeavesTheSourceEmpty) {
   EXPECT_EQ(livePoolElements(), live);
 }
 
+TEST(AddObject, ReportsAMergeWhenTheNewcomerIsGone) {
+  struct Newcomer : ObjectAST {
+    void deleteThis() override {
+      EXPECT_EQ(firstProperty, nullptr);  // merged by then
+      reportedBefore = report->count;
+      type.freeMem();
+      name.freeMem();
+    }
+    const Table<ObjectAST*, 100>* report = nullptr;
+    int reportedBefore = -1;
+  } newcomer;
+  const auto_ast<ProgramAST> program(new ProgramAST);
+  ObjectAST* a = add(program.get(), "P", "a");
+  Table<ObjectAST*, 100> merged;
+  newcomer.report = &merged;
+  newcomer.type = "P";
+  newcomer.name = "a";
+  newcomer.addProperty(KelpTest::property("x", KelpTest::number(1)), 0, 0);
+  program->addObject(&newcomer, 0, 0, &merged);
+  EXPECT_EQ(newcomer.reportedBefore, 0);
+  ASSERT_EQ(merged.count, 1);
+  EXPECT_EQ(merged.data[0], a);
+  EXPECT_EQ(merged.capacity, 100);
+}
+
 TEST(MergeProgram, ReportsTheObjectsThatReceivedProperties) {
   const auto_ast<ProgramAST> target(new ProgramAST);
   const auto_ast<ProgramAST> source(new ProgramAST);

@@ -95,6 +95,31 @@ TEST(AddObject, AbsentAndEmptyTypeShareAKeyAndStayApart) {
   EXPECT_EQ(entry->value, absent);
 }
 
+TEST(AddObject, StringsWithoutABufferAndWithAnEmptyOneAreBothAbsent) {
+  const auto_ast<ProgramAST> program(new ProgramAST);
+  for (int i = 0; i < 3; ++i) {
+    ObjectAST* newcomer = object(nullptr, nullptr);
+    if (i > 0) newcomer->type.buffer = new CharStringBuf;
+    if (i > 1) newcomer->name.buffer = new CharStringBuf;
+    program->addObject(newcomer, 0, 0, nullptr);
+  }
+  EXPECT_EQ(program->numObjects, 1);
+}
+
+TEST(ProgramAST, ReleasesItsObjectsFromTheNewestToTheOldest) {
+  ProgramAST* program = new ProgramAST;
+  std::vector<ObjectAST*> objects;
+  for (const char* name : {"a", "b", "c"}) objects.push_back(add(program, "P", name));
+  program->deleteThis();
+  std::vector<ObjectAST*> returned;  // the last one first
+  for (size_t i = 0; i < objects.size(); ++i) returned.push_back(ObjectAST::pool.newElement());
+  EXPECT_EQ(returned, objects);
+  while (!returned.empty()) {
+    ObjectAST::pool.freeElement(returned.back());
+    returned.pop_back();
+  }
+}
+
 TEST(AddObject, TabInsideANameMergesNothing) {
   const auto_ast<ProgramAST> program(new ProgramAST);
   add(program.get(), "a\tb", "c");

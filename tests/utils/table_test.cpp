@@ -116,6 +116,20 @@ TEST(Table, ResetCountReusesTheArray) {
   EXPECT_EQ(table.capacity, 200);
 }
 
+TEST(Table, RoomIsMadeAsTheNextAppendWould) {
+  Table<int, 3> table;
+  Table<int, 3> roomy;
+  for (int i = 0; i < 10; ++i) {
+    roomy.makeRoom();
+    const int* data = roomy.data;
+    EXPECT_EQ(roomy.count, i);
+    table += i;
+    roomy += i;
+    EXPECT_EQ(roomy.data, data);
+    EXPECT_EQ(roomy.capacity, table.capacity);
+  }
+}
+
 TEST(Table, OwnersArrayIsNotTakenForLargerThanItSays) {
   Table<int, 100> table;
   for (int i = 0; i < 301; ++i) table += i;
