@@ -37,6 +37,17 @@ ProgramAST* TreeParser::parseProgram() {
 
 void TreeParser::_parseObjects(ProgramAST* program) {
   ObjectQueue queue(*program);
+  try {
+    _parseObjects(queue);
+  } catch (...) {
+    // What stands before the failure is added before it is told, as if nothing had waited.
+    queue.flush();
+    throw;
+  }
+  queue.flush();
+}
+
+void TreeParser::_parseObjects(ObjectQueue& queue) {
   const int64_t most = maxObjects > 0 ? maxObjects : INT64_MAX;
   const int64_t mostAtATime = onProgress ? kObjectsAtATime : INT64_MAX;
   for (int64_t objects = 0; !_at(TOKEN_END);) {
@@ -48,7 +59,6 @@ void TreeParser::_parseObjects(ProgramAST* program) {
     queue.add(parseObject(), _readerParam1(), _readerParam2());
     ++objects;
   }
-  queue.flush();
 }
 
 // Reads objects as long as they are plain text; gives their number.

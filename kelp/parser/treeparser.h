@@ -36,6 +36,7 @@ class TreeParser : public Grammar<TokenRing> {
 
  private:
   void _parseObjects(ProgramAST* program);
+  void _parseObjects(ObjectQueue& queue);
   int64_t _addPlainObjects(ObjectQueue& queue, int64_t most);
 };
 

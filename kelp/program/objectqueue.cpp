@@ -5,7 +5,8 @@
 namespace Kelp {
 
 ObjectQueue::~ObjectQueue() {
-  while (oldest != next) _at(oldest++).object->deleteThis();
+  // From the newest to the oldest, as the program releases those before them.
+  while (oldest != next) _at(--next).object->deleteThis();
 }
 
 void ObjectQueue::add(ObjectAST* object, double t1, double t2) {

@@ -7,7 +7,8 @@ namespace Kelp {
 
 /// Adds objects to a program as addObject would, one after the other, but a little later: while the
 /// next ones are made, memory fetches step by step what the search for each will read. Those lie
-/// all over the memory, and waiting for them would take longer than adding.
+/// all over the memory, and waiting for them would take longer than adding. An object that merges
+/// goes back to its pool that much later, too.
 class ObjectQueue {
  public:
   /// The program outlives the queue. Objects that it still holds then are released.

@@ -37,6 +37,20 @@ Outcome parseWithFailure(TextParser& source, int64_t n, bool persistent, bool* f
   return outcome;
 }
 
+TEST(AllocationFailure, ObjectThatCannotBeAddedComesBeforeALaterError) {
+  constexpr const char* kText = "A a { } A b { x 1; }";
+  TextParser first(
+      kText);  // leaves nodes to be taken, so that only the program's maps ask for blocks
+  EXPECT_EQ(first.parser.parseProgram(), nullptr);
+  for (const bool plain : {true, false}) {
+    TextParser source(kText);
+    source.parser.readsPlainText = plain;
+    const RefusedBlocks refused([] { return true; }, true);
+    EXPECT_THROW(source.parser.parseProgram(), ExceptionMsg);
+    EXPECT_TRUE(source.parser.errorInfo.getErrorText().isNull());
+  }
+}
+
 // Lets every request fail in turn. What comes out of an unharmed parse is `good`.
 void expectSurvivesEveryFailure(const std::string& scene, Outcome good) {
   SCOPED_TRACE(scene);

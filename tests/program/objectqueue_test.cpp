@@ -4,10 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "kelp/ast/auto_ast.h"
 #include "tests/support/balance.h"
 #include "tests/support/failures.h"
+#include "tests/support/nodes.h"
 #include "tests/support/parsing.h"
 #include "tests/support/programs.h"
 #include "tests/support/sexpression.h"
@@ -47,6 +49,26 @@ TEST(ObjectQueue, ReleasesWhatItStillHolds) {
     EXPECT_EQ(program->numObjects, 0);
   }
   EXPECT_EQ(livePoolElements(), live);
+}
+
+TEST(ObjectQueue, ReleasesWhatItHoldsAsTheProgramWould) {
+  std::vector<ObjectAST*> objects;
+  {
+    const auto_ast<ProgramAST> program(new ProgramAST);
+    ObjectQueue queue(*program.get());
+    for (const char* name : {"a", "b", "c", "d", "e", "f", "g"}) {
+      objects.push_back(object("A", name));
+      queue.add(objects.back(), 0, 0);
+    }
+    EXPECT_EQ(program->numObjects, 2);
+  }
+  std::vector<ObjectAST*> returned;  // the last one first
+  for (size_t i = 0; i < objects.size(); ++i) returned.push_back(ObjectAST::pool.newElement());
+  EXPECT_EQ(returned, objects);
+  while (!returned.empty()) {
+    ObjectAST::pool.freeElement(returned.back());
+    returned.pop_back();
+  }
 }
 
 TEST(ObjectQueue, ObjectThatCannotBeAddedIsReleased) {
