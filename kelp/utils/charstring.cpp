@@ -17,8 +17,6 @@ int checkedBytes(size_t bytes) {
   return static_cast<int>(bytes);
 }
 
-size_t bytesFor(int length) { return length < 0 ? 0 : static_cast<size_t>(length) + 1; }
-
 CharStringBuf* newBuffer(size_t bytes) {
   const int size = checkedBytes(bytes);
   std::unique_ptr<CharStringBuf> fresh(new CharStringBuf);
@@ -119,15 +117,16 @@ void CharString::assign(std::string_view text) {
 void CharString::freeMem() noexcept { _replaceBuffer(nullptr); }
 
 void CharString::splitBuffer(int length, int keep) {
-  const size_t bytes = bytesFor(length);
+  if (length == INT_MAX) throw std::bad_alloc();
+  const int bytes = length + 1;  // a negative length asks for nothing
   if (buffer != nullptr && !_isShared()) {
     // Deliberately not asked for `keep`: whoever owns the buffer alone finds its text again.
-    buffer->resize(checkedBytes(bytes));
+    buffer->resize(bytes);
     return;
   }
-  CharStringBuf* fresh = newBuffer(bytes);
+  CharStringBuf* fresh = newBuffer(bytes > 0 ? static_cast<size_t>(bytes) : 0);
   if (buffer != nullptr && keep != 0 && bytes > 0) {
-    const size_t kept = strnlen(buffer->data, bytes - 1);
+    const size_t kept = strnlen(buffer->data, static_cast<size_t>(length));
     std::memcpy(fresh->data, buffer->data, kept);
     fresh->data[kept] = '\0';
   }

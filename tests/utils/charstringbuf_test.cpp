@@ -4,8 +4,10 @@
 #include <algorithm>
 #include <climits>
 #include <cstring>
+#include <iterator>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "kelp/utils/charstring.h"
 #include "tests/support/placement.h"
@@ -99,6 +101,35 @@ TEST(CharStringBuf, NeverLeavesATextWithoutItsEnd) {
   buffer->resize(21);
   EXPECT_EQ(strnlen(buffer->data, 500), 21U);
   buffer.destroy();
+}
+
+TEST(SplitBuffer, AlwaysAsksForOneByteMoreThanTheLength) {
+  struct Recorder : CharStringBuf {
+    void resize(int bytes) override { asked.push_back(bytes); }
+    std::vector<int> asked;
+  };
+  CharString string;
+  auto* recorder = new Recorder;
+  string.buffer = recorder;
+  const int lengths[] = {7, 0, -1, -5, INT_MIN, INT_MAX - 1};
+  for (const int length : lengths) string.splitBuffer(length, 1);
+  EXPECT_EQ(recorder->asked, (std::vector<int>{8, 1, 0, -4, INT_MIN + 1, INT_MAX}));
+  EXPECT_THROW(string.splitBuffer(INT_MAX, 1), std::bad_alloc);
+  EXPECT_EQ(recorder->asked.size(), std::size(lengths));
+}
+
+TEST(SplitBuffer, NegativeLengthsAskForNothing) {
+  for (const int length : {-1, -2, -100, INT_MIN}) {
+    CharString string;
+    string.splitBuffer(length, 1);
+    EXPECT_TRUE(string.isEmpty());
+    CharString text("text");
+    const CharString other = text;
+    text.splitBuffer(length, 1);
+    EXPECT_TRUE(text.isEmpty());
+    EXPECT_EQ(text.buffer->referenceCount, 1);
+    EXPECT_STREQ(other.chars(), "text");
+  }
 }
 
 TEST(SplitBuffer, NullHandleGetsABuffer) {
