@@ -46,7 +46,8 @@ ObjectAST* Grammar<Tokens>::_parseObjectHead() {
   } else {
     object->name = "";
   }
-  _expect(TOKEN_LBRACE, Message::kObjectBegin);
+  if (!_at(TOKEN_LBRACE)) _fail(Message::kObjectBegin);
+  _skip(TOKEN_LBRACE);
   return object.release();
 }
 
@@ -55,7 +56,8 @@ PropertyAST* Grammar<Tokens>::parseProperty() {
   // property := token "=" expression ";"
   ReferenceRollback references(_state().referenceNames);
   auto name = this->_takePropertyName();
-  _expect(TOKEN_EQUALS, Message::kPropertyEquals);
+  if (!_at(TOKEN_EQUALS)) _fail(Message::kPropertyEquals);
+  _skip(TOKEN_EQUALS);
   auto_ast<ExpressionAST> value(parseExpression());
   this->_endProperty();
   PropertyAST* property = PropertyAST::pool.newElement();

@@ -90,7 +90,7 @@ void TextTokens::_measureString() {
     }
   }
   auto length = static_cast<size_t>(stop - begin);
-  if (length > longestString) throw GiveUp{at};
+  if (static_cast<int64_t>(length) > longestString) throw GiveUp{at};
   if (escaped) {
     char* decoded = reader.keepText(length);
     length = static_cast<size_t>(decodeString(begin, stop, decoded) - decoded);

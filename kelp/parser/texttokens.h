@@ -29,9 +29,7 @@ class TextTokens {
   };
 
   TextTokens(SourcesReader& sources, ParserState& parserState)
-      : reader(sources),
-        state(parserState),
-        longestString(static_cast<size_t>(sources.limits.maxStringLength)) {}
+      : reader(sources), state(parserState), longestString(sources.limits.maxStringLength) {}
   TextTokens(const TextTokens&) = delete;
   TextTokens& operator=(const TextTokens&) = delete;
 
@@ -125,7 +123,7 @@ class TextTokens {
 
   SourcesReader& reader;
   ParserState& state;
-  const size_t longestString;
+  const int64_t longestString;
 
   const Source* source = nullptr;
   const IncludePlace* includedFrom = nullptr;

@@ -106,7 +106,10 @@ class TokenRing : public TokenSlots, public ParserState {
 
   /// Adds the next properties to the object as long as they are plain text; false: the next is not.
   bool _addPlainProperties(ObjectAST* object);
-  void _endProperty() { _expect(TOKEN_SEMICOLON, Message::kPropertyEnd); }
+  void _endProperty() {
+    if (!_at(TOKEN_SEMICOLON)) _fail(Message::kPropertyEnd);
+    _skip(TOKEN_SEMICOLON);
+  }
   void _endObject() { scanAheadToken(false); }
 };
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "kelp/parser/treeparser.h"
+#include "tests/support/parsing.h"
 
 using namespace Kelp;
 
@@ -30,4 +31,12 @@ TEST(Slots, CurrentOneIsEmptiedBeforeItIsFilled) {
   }
   parser.scanAheadToken(false);
   EXPECT_EQ(parser.tokens[0].overflowCount, 0);
+}
+
+TEST(Slots, TokenThatNoObjectHasThereIsNotTerminated) {
+  for (const char* text : {"A b xyz", "A b { p xyz }", "A b { p = 1 xyz }"}) {
+    KelpTest::TextParser source(text);
+    EXPECT_EQ(source.parser.parseProgram(), nullptr);
+    EXPECT_EQ(source.parser._currentToken().text.count, 3) << text;
+  }
 }

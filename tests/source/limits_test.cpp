@@ -9,6 +9,7 @@
 
 #include "kelp/utils/exceptions.h"
 #include "tests/support/allocations.h"
+#include "tests/support/parsing.h"
 #include "tests/support/temporaryfiles.h"
 #include "tests/support/tokenlist.h"
 
@@ -263,6 +264,17 @@ TEST_F(Confined, TextInMemoryIsConfinedToTheFolderOfItsName) {
 
 TEST_F(ReaderLimits, StringsAreAsLongAsNodesCanCount) {
   EXPECT_EQ(reader.limits.maxStringLength, 2147483646);
+}
+
+TEST_F(ReaderLimits, NegativeLengthAllowsNoString) {
+  for (const bool plain : {true, false}) {
+    KelpTest::TextParser source("A a { x = \"\"; }");
+    source.reader.limits.maxStringLength = -1;
+    source.parser.readsPlainText = plain;
+    EXPECT_EQ(source.parser.parseProgram(), nullptr);
+    EXPECT_STREQ(source.parser.errorInfo.getErrorText().chars(),
+                 "The string that begins on line 1 has more than -1 characters");
+  }
 }
 
 TEST_F(ReaderLimits, StringLongerThanAllowedFailsWhereItBegins) {
