@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <type_traits>
 
@@ -104,8 +105,7 @@ void NumberLiteral::_writeMagnitude(Value magnitude) {
   const auto wide = static_cast<double>(magnitude);
   if (wide <= kLargestPlainInteger && wide == std::floor(wide)) {
     const auto integer = static_cast<uint64_t>(wide);
-    length =
-        static_cast<size_t>(std::to_chars(text + start, text + sizeof text, integer).ptr - text);
+    length = static_cast<size_t>(std::to_chars(text + start, std::end(text), integer).ptr - text);
     text[length] = '\0';
     return;
   }
@@ -120,9 +120,10 @@ void NumberLiteral::_writeMagnitude(Value magnitude) {
   if constexpr (std::is_same_v<Value, float>) {
     // Of all floats these digits miss none.
     const Digits nine = roundedDigits(wide, 9);
-    if (_try(magnitude, nine.view(), nine.exponent)) return;
+    exact = _try(magnitude, nine.view(), nine.exponent);
+  } else {
+    _search(wide);
   }
-  _search(wide);
 }
 
 // ---- the long way ------------------------------------------------------------------------------
@@ -236,7 +237,7 @@ void NumberLiteral::_setDigits(std::string_view digits, int pointBehind, int exp
 void NumberLiteral::_appendExponent(int exponent) {
   if (exponent != 0) {
     _append('e', 1);
-    char* end = std::to_chars(text + length, text + sizeof text - 1, exponent).ptr;
+    char* end = std::to_chars(text + length, std::end(text), exponent).ptr;
     length = static_cast<size_t>(end - text);
   }
   text[length] = '\0';

@@ -111,7 +111,7 @@ void SceneTextWriter::write(const PropertyAST& property) {
   if (ValueWriter::isIdentifier(name)) {
     values->filler.add(name);
   } else {
-    values->quote(name, Gap::kNone, 0);
+    values->quote(name);
   }
   values->filler.add("=", Gap::kSpace);
   values->writeValue(property.value, Gap::kSpace);

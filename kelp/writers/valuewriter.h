@@ -30,7 +30,7 @@ class ValueWriter final : public Visitor {
   }
 
   /// A text as a string literal.
-  void quote(std::string_view text, Gap gap, int level);
+  void quote(std::string_view text, Gap gap = Gap::kNone, int level = 0);
 
   /// Throws NotWritableException.
   [[noreturn]] void fail(const std::string& what,

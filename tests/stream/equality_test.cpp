@@ -230,6 +230,17 @@ TEST(StreamEquality, IncludesAreFollowedWhereverTheTextIsCut) {
   }
 }
 
+TEST(StreamEquality, ErrorBehindATypeThatEndsTheWindowHasItsPlace) {
+  for (const std::string text : {"A a { }\n\n  Type = 1;", "Type = 1;", "\xEF\xBB\xBF= 1;"}) {
+    const ObjectsAndError expected = wholeText(text, "main.scene");
+    EXPECT_NE(expected.error, "");
+    for (size_t window = 1; window <= text.size() + 2; ++window) {
+      EXPECT_EQ(streamed(SceneSource::text(text, "main.scene"), withWindow(window)), expected)
+          << text << "\nin a window of " << window;
+    }
+  }
+}
+
 TEST(StreamEquality, LimitOfIncludesCountsThoseThatAreReadAgainOnce) {
   const TemporaryFiles files;
   files.write("x.inc", " x = 1;\n");

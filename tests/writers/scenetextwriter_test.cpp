@@ -302,6 +302,18 @@ TEST(SceneTextWriter, NumberThatNoLiteralReachesIsCounted) {
   EXPECT_EQ(out.writer.approximatedNumbers(), 1);
 }
 
+TEST(SceneTextWriter, NoNumberHasNoSignInAnExpression) {
+  TextWriter out;
+  constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
+  for (const double value : {kNoNumber, -kNoNumber}) {
+    const auto_ast<ExpressionAST> node(number(value));
+    out.writer.write(*node.get());
+  }
+  out.writer.finish();
+  EXPECT_EQ(out.text, "0e309\n0e309\n");
+  EXPECT_EQ(out.writer.approximatedNumbers(), 1);
+}
+
 TEST(SceneTextWriter, WhatTheSinkThrowsPassesThrough) {
   const ParsedExpression list("ListInt(" + repeated("1,", 200000) + ")");
   SceneTextWriter writer([](std::string_view) { throw 5; });
