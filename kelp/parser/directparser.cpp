@@ -93,7 +93,8 @@ void DirectParser::handBack() {
 }
 
 // The ring comes to the last token that was read and then passes it: a failure to read the one
-// behind it must find the ring where it would have stood.
+// behind it must find the ring where it would have stood. Which of the two slots is the current one
+// may differ, not what the current one and the other hold.
 int DirectParser::handBackUnscanned() {
   if (lastRead.source == nullptr) return 0;
   ring.scanner->resumeAt(lastRead);
