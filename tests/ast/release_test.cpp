@@ -14,15 +14,6 @@ using namespace KelpTest;
 
 namespace {
 
-// The elements of a class as its pool hands them out next, taken and put back in the same order.
-template <class Node>
-std::vector<Node*> nextElements(int number) {
-  std::vector<Node*> elements;
-  for (int i = 0; i < number; ++i) elements.push_back(Node::pool.newElement());
-  for (size_t i = elements.size(); i-- > 0;) Node::pool.freeElement(elements[i]);
-  return elements;
-}
-
 // Children are expected back in the order first, second, ...: the last one is handed out first.
 void expectNumbersFreedInOrder(const std::vector<ExpressionAST*>& freed) {
   const auto next = nextElements<NumberExpressionAST>(static_cast<int>(freed.size()));

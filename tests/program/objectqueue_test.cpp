@@ -62,13 +62,7 @@ TEST(ObjectQueue, ReleasesWhatItHoldsAsTheProgramWould) {
     }
     EXPECT_EQ(program->numObjects, 2);
   }
-  std::vector<ObjectAST*> returned;  // the last one first
-  for (size_t i = 0; i < objects.size(); ++i) returned.push_back(ObjectAST::pool.newElement());
-  EXPECT_EQ(returned, objects);
-  while (!returned.empty()) {
-    ObjectAST::pool.freeElement(returned.back());
-    returned.pop_back();
-  }
+  EXPECT_EQ(nextElements<ObjectAST>(7), objects);  // the last one returned first
 }
 
 TEST(ObjectQueue, ObjectThatCannotBeAddedIsReleased) {

@@ -111,13 +111,7 @@ TEST(ProgramAST, ReleasesItsObjectsFromTheNewestToTheOldest) {
   std::vector<ObjectAST*> objects;
   for (const char* name : {"a", "b", "c"}) objects.push_back(add(program, "P", name));
   program->deleteThis();
-  std::vector<ObjectAST*> returned;  // the last one first
-  for (size_t i = 0; i < objects.size(); ++i) returned.push_back(ObjectAST::pool.newElement());
-  EXPECT_EQ(returned, objects);
-  while (!returned.empty()) {
-    ObjectAST::pool.freeElement(returned.back());
-    returned.pop_back();
-  }
+  EXPECT_EQ(KelpTest::nextElements<ObjectAST>(3), objects);  // the last one returned first
 }
 
 TEST(AddObject, TabInsideANameMergesNothing) {

@@ -1,10 +1,21 @@
-// Shorthands that build trees without a parser.
+// Shorthands that build trees without a parser, and look into the pools.
 #pragma once
+
+#include <vector>
 
 #include "kelp/ast/expressions.h"
 #include "kelp/ast/objects.h"
 
 namespace KelpTest {
+
+/// The elements of a class as its pool hands them out next, taken and put back in the same order.
+template <class Node>
+std::vector<Node*> nextElements(int number) {
+  std::vector<Node*> elements;
+  for (int i = 0; i < number; ++i) elements.push_back(Node::pool.newElement());
+  for (size_t i = elements.size(); i-- > 0;) Node::pool.freeElement(elements[i]);
+  return elements;
+}
 
 inline Kelp::ExpressionAST* number(double value) {
   return Kelp::NumberExpressionAST::newNumberExpressionAST(value);
