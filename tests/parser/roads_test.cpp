@@ -105,6 +105,7 @@ const std::vector<std::string>& plainScenes() {
       "A a { x = ListVector(Vector(1,2), Vector(1,2,3)); }",
       "A a { x = ListVector(Vector(1,2,3,4), Vector(1,2,3)); }",
       "A a { x = ListVector(Vector(1)2,3), Vector(1,2,3)); }",
+      "A a { x = ListVector(Vector(1)2)3,, Vector(1,2,3)); }",
       "A a { x = ListColor(Color(1, 2, 3), Color(1.25,-2, +3),Vector(1, 2, 3)); }",
       "A a { x = ListInt(2147483647, -2147483648, 2147483648, 4e9, -4e9); y = -5; z = - 5; }",
       "A a { /**/ x = 1; /**/ y = 2; /***/ z = 3; /*/*/ } // */\nA b { } //\nA c { }",
