@@ -102,8 +102,7 @@ bool failsAtToken(const NamedScene& scene, int k, Kind kind, bool persistent) {
   const Outcome outcome = outcomeOf(source.parser);
   failing.reset();
   if (!failed) return false;
-  // Objects that were read are added first: then it is a block of the program's maps that is
-  // missing.
+  // What was read is added before the failure is recorded: it may be that which lacks memory.
   const bool whileAdding = kind == Kind::kUnrecorded && outcome == Outcome::kResource;
   EXPECT_EQ(whileAdding ? Outcome::kMemory : outcome, expectedOutcome(kind, k));
   const char* text = source.parser.errorInfo.getErrorText().chars();

@@ -39,8 +39,8 @@ Outcome parseWithFailure(TextParser& source, int64_t n, bool persistent, bool* f
 
 TEST(AllocationFailure, ObjectThatCannotBeAddedComesBeforeALaterError) {
   constexpr const char* kText = "A a { } A b { x 1; }";
-  TextParser first(
-      kText);  // leaves nodes to be taken, so that only the program's maps ask for blocks
+  // Leaves nodes to be taken, so that only the program's maps ask for blocks.
+  TextParser first(kText);
   EXPECT_EQ(first.parser.parseProgram(), nullptr);
   for (const bool plain : {true, false}) {
     TextParser source(kText);
